@@ -1,0 +1,46 @@
+# SPDX-License-Identifier: MIT
+# Helpers that turn a folder into a target, so that the include picture is enforced by linking.
+
+# speckmend_room(name SOURCES file... USES target...)
+# A static library speckmend_<name> whose headers are seen by those that link it, and by nobody else.
+function(speckmend_room name)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;USES" ${ARGN})
+  add_library(speckmend_${name} STATIC ${ROOM_SOURCES})
+  target_include_directories(speckmend_${name} PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}")
+  target_link_libraries(speckmend_${name} PUBLIC ${ROOM_USES})
+endfunction()
+
+# speckmend_test(name USES target... [TIMEOUT seconds] [LABELS label...])
+# A Qt Test program tst_<name>.cpp of this folder, on the simulated camera library, without a display.
+function(speckmend_test name)
+  cmake_parse_arguments(TEST "" "TIMEOUT" "USES;LABELS" ${ARGN})
+  if(NOT TEST_TIMEOUT)
+    set(TEST_TIMEOUT 120)
+  endif()
+  get_filename_component(folder "${CMAKE_CURRENT_SOURCE_DIR}" NAME)
+  add_executable(tst_${name} tst_${name}.cpp)
+  target_link_libraries(tst_${name} PRIVATE ${TEST_USES} kelvosim Qt5::Test)
+  target_include_directories(tst_${name} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
+  set_target_properties(tst_${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+  add_test(NAME ${folder}/${name} COMMAND tst_${name})
+  speckmend_test_environment(${folder}/${name})
+  set_tests_properties(${folder}/${name} PROPERTIES TIMEOUT ${TEST_TIMEOUT} LABELS "${folder};${TEST_LABELS}")
+endfunction()
+
+# speckmend_test_environment(test [KEY=value...]): no display, settings and files of the test's own,
+# the sanitizers' suppressions.
+function(speckmend_test_environment test)
+  string(REPLACE "/" "_" own "${test}")
+  set(home "${CMAKE_BINARY_DIR}/tests/home/${own}")
+  file(MAKE_DIRECTORY "${home}")
+  set(environment
+    "QT_QPA_PLATFORM=offscreen" "HOME=${home}" "XDG_CONFIG_HOME=${home}/config" "XDG_DATA_HOME=${home}/data"
+    "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/lsan.supp:print_suppressions=0"
+    "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1"
+    "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/tsan.supp:halt_on_error=0:exitcode=66"
+    "SPECKMEND_SOURCE_DIR=${CMAKE_SOURCE_DIR}")
+  if(SPECKMEND_SANITIZE STREQUAL "thread")
+    list(APPEND environment "LD_PRELOAD=$<TARGET_FILE:tsan_qt_order>")
+  endif()
+  set_tests_properties(${test} PROPERTIES ENVIRONMENT "${environment};${ARGN}")
+endfunction()
