@@ -102,12 +102,12 @@ private:
     void readSensorInfo();
     void chooseColorMode();
     void chooseImageArea();
-    void prepareDevice(int deviceNumber);
+    void startLiveImages();
     void readDefaults();
+    void handleEvent(int event);
     void receiveFrame();
     void emitImage();
-    void closeDevice();
-    static void finish(EventThread &thread);
+    static void awaitEnd(EventThread &thread);
 
     EventThread deviceEvents;
     EventThread cameraEvents;

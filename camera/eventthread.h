@@ -5,6 +5,7 @@
 #include "kelvocodes.h"
 
 #include <QThread>
+#include <QTimer>
 #include <QVector>
 
 #include <atomic>
@@ -12,7 +13,7 @@
 /// Waits in the camera library for a list of events and emits eventhappen() for each.
 ///
 /// Every thread owns one private wake-up code of the process-wide pool; stopping signals it, so that a wait
-/// without limit returns. Construction, start(), stop() and destruction belong to the GUI thread.
+/// without limit returns. All operations belong to the GUI thread; only run() is this thread's own.
 class EventThread final : public QThread
 {
     Q_OBJECT
@@ -22,29 +23,30 @@ public:
     explicit EventThread(QObject *parent = nullptr);
     ~EventThread() override;
 
-    /// Registers and enables `events` and the wake-up code for the camera (0: system-wide device events),
-    /// then starts the thread.
+    /// Registers and enables `codes` and the wake-up code for the camera (0: system-wide device events), then
+    /// starts the thread. A thread that still runs is ended first.
     /// @return 0, -1 when an event could not be registered, or the library's status when enabling failed;
     ///         the thread runs only after 0
-    kelvo::Status start(kelvo::Handle handle, const QVector<std::uint32_t> &events);
+    kelvo::Status start(kelvo::Handle camera, const QVector<std::uint32_t> &codes);
 
     /// Wakes the thread for its end. Does nothing when it is not running; does not wait for the end.
     void stop();
 
-    /// From now on at most one undelivered `event` is on its way; what is signalled meanwhile counts as one
-    /// further event. A receiver that uses this answers each eventhappen() with delivered(). Call it before
-    /// start().
+    /// From now on at most one undelivered eventhappen(event) is on its way; what is signalled meanwhile
+    /// counts as one further event. The receiver answers each eventhappen() with delivered(). Call it before
+    /// the first start().
     void holdBack(std::uint32_t event);
 
-    /// The receiver has handled one eventhappen(event). A held-back event follows through the event loop, so
-    /// that input and timers get their turn first.
+    /// The receiver has got one eventhappen(event). A held-back one follows as soon as the event loop has
+    /// nothing else to do, so that input, timers and other events get their turn between two of them.
     void delivered(int event);
 
-    /// Number of emitted events that the receiver has not yet answered with delivered().
-    int undelivered() const { return undeliveredCount; }
+    /// Forgets what is held back. For the time after the thread's end.
+    /// @return number of emitted events that the receiver has not got yet
+    int abandon();
 
 signals:
-    /// Emitted in this thread (a held-back event: in the GUI thread).
+    /// Emitted in this thread; a held-back event in the GUI thread.
     void eventhappen(int event);
 
 protected:
@@ -53,14 +55,17 @@ protected:
 private:
     enum Flight { Landed, InFlight, InFlightAndOneMore };
 
+    kelvo::Status registerEvents();
     bool mayTakeOff(std::uint32_t event);
-    Q_INVOKABLE void emitHeldBack();
+    void takeOff(std::uint32_t event);
+    void land();
 
     kelvo::Handle handle = kelvo::NoCamera;
-    QVector<std::uint32_t> events;
+    QVector<std::uint32_t> events; // those asked for, then the wake-up code
     std::atomic<bool> running{false};
     std::uint32_t wakeCode = 0;
-    std::uint32_t heldBackEvent = 0; // 0: none
+    std::uint32_t heldBackEvent = 0; // 0: every event is emitted at once
     std::atomic<int> flight{Landed};
-    std::atomic<int> undeliveredCount{0};
+    std::atomic<int> undelivered{0};
+    QTimer landing;
 };

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+// The wait loop, its start and end, and the rule that frame events never pile up.
+
+#include "eventthread.h"
+
+#include "eventidpool.h"
+
+EventThread::EventThread(QObject *parent) : QThread(parent), wakeCode(EventIdPool::take())
+{
+    landing.setSingleShot(true);
+    landing.setInterval(0);
+    connect(&landing, &QTimer::timeout, this, &EventThread::land);
+}
+
+EventThread::~EventThread()
+{
+    stop();
+    wait();
+    EventIdPool::giveBack(wakeCode);
+}
+
+kelvo::Status EventThread::start(kelvo::Handle camera, const QVector<std::uint32_t> &codes)
+{
+    stop();
+    wait();
+    handle = camera;
+    events = codes;
+    events.append(wakeCode);
+    const kelvo::Status status = registerEvents();
+    if (status != kelvo::Success)
+        return status;
+    running = true;
+    QThread::start(QThread::TimeCriticalPriority);
+    return kelvo::Success;
+}
+
+kelvo::Status EventThread::registerEvents()
+{
+    for (const std::uint32_t code : events) {
+        kelvo::EventInitRecord record;
+        record.code = code;
+        if (vx_Event(handle, kelvo::EventRegister, &record, sizeof record) != kelvo::Success)
+            return -1;
+    }
+    return vx_Event(handle, kelvo::EventEnable, events.data(), events.size() * sizeof(std::uint32_t));
+}
+
+void EventThread::stop()
+{
+    if (running.exchange(false))
+        vx_Event(handle, kelvo::EventSignal, &wakeCode, sizeof wakeCode);
+}
+
+void EventThread::run()
+{
+    kelvo::EventWaitRecord record;
+    record.codes = events.data();
+    record.count = static_cast<std::uint32_t>(events.size());
+    while (running) {
+        const kelvo::Status status = vx_Event(handle, kelvo::EventWait, &record, sizeof record);
+        if (status == kelvo::Success && running && mayTakeOff(record.signalled))
+            takeOff(record.signalled);
+    }
+    running = false;
+    vx_Event(handle, kelvo::EventDisable, events.data(), events.size() * sizeof(std::uint32_t));
+}
+
+void EventThread::holdBack(std::uint32_t event)
+{
+    heldBackEvent = event;
+}
+
+/// Counts a signalled event in. @return whether it is to be emitted now
+bool EventThread::mayTakeOff(std::uint32_t event)
+{
+    if (event != heldBackEvent)
+        return true;
+    int before = flight;
+    while (!flight.compare_exchange_weak(before, before == Landed ? InFlight : InFlightAndOneMore)) {
+    }
+    return before == Landed;
+}
+
+void EventThread::takeOff(std::uint32_t event)
+{
+    ++undelivered;
+    emit eventhappen(static_cast<int>(event));
+}
+
+void EventThread::delivered(int event)
+{
+    --undelivered;
+    if (static_cast<std::uint32_t>(event) == heldBackEvent)
+        landing.start();
+}
+
+void EventThread::land()
+{
+    int before = flight;
+    while (!flight.compare_exchange_weak(before, before == InFlightAndOneMore ? InFlight : Landed)) {
+    }
+    if (before == InFlightAndOneMore)
+        takeOff(heldBackEvent);
+}
+
+int EventThread::abandon()
+{
+    int oneMore = InFlightAndOneMore;
+    flight.compare_exchange_strong(oneMore, InFlight);
+    return undelivered;
+}
