@@ -3,11 +3,15 @@
 #pragma once
 
 #include "badpixel.h"
+#include "badpixelindex.h"
 
 #include <QAbstractTableModel>
 #include <QPoint>
 #include <QStringList>
-#include <QVector>
+
+#include <cstdint>
+#include <deque>
+#include <vector>
 
 class Camera;
 
@@ -22,20 +26,26 @@ public:
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
     int columnCount(const QModelIndex &parent = QModelIndex()) const override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    /// Changes x or y by a number (cut to 16 bits) or the class by "factory" or "user"; the index's row must
+    /// be valid. @return whether the value was understood
     bool setData(const QModelIndex &index, const QVariant &value, int role = Qt::EditRole) override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+    /// Inserts user entries at (0, 0).
     bool insertRows(int row, int count, const QModelIndex &parent = QModelIndex()) override;
+    /// Removes those of the rows that are there; always true.
     bool removeRows(int row, int count, const QModelIndex &parent = QModelIndex()) override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
     /// A copy of the entry at `row`, which must be valid.
     Badpixel badpixel(int row) const;
 
-    /// The first entry, in list order, that lies less than `tolerance` away in x and in y.
+    /// The first entry, in list order, that lies less than `tolerance` away in x and in y. A tolerance of 1
+    /// asks for exactly this place and takes constant time; others walk the list.
     /// @return its row in column 0, or an invalid index
     QModelIndex findBadpixel(int x, int y, int tolerance) const;
 
-    /// Appends a User entry unless a Factory or User entry stands at the same place.
+    /// Appends a User entry unless a Factory or User entry stands at the same place. Coordinates are cut to
+    /// 16 bits before anything else. Takes constant time.
     /// @return whether it was appended
     bool addBadpixel(const QPoint &position);
 
@@ -48,13 +58,15 @@ public:
     int factoryEntries() const { return factoryCount; }
 
 signals:
+    /// Emitted by addBadpixel() with 1 for each entry that it appended.
     void pixelAdded(int count);
 
 public slots:
     /// Replaces the whole list with the camera's factory and user lists; a null camera leaves it empty.
     void getBadpixelList(Camera *cam);
 
-    /// Writes the User entries into the camera. @throws std::runtime_error
+    /// Writes the User entries into the camera, in list order.
+    /// @throws std::runtime_error when they are more than it can hold, or when it refuses them
     void writeBadpixelList(Camera *cam);
 
     /// Removes every User entry and keeps the rest.
@@ -66,4 +78,19 @@ public slots:
     /// Sorts the list itself by x, y or class; equal entries land in any order.
     /// @throws std::runtime_error "Sort Error" for any other column or order
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
+
+private:
+    QModelIndex entryAt(int x, int y) const;
+    QModelIndex entryNear(int x, int y, int tolerance) const;
+    void appendFromCamera(const std::vector<Badpixel> &list);
+    std::vector<Badpixel> userEntries() const;
+
+    // Written by the camera library itself, hence of its width and sign.
+    std::int32_t maxUserEntries = 0;
+    std::int32_t factoryCount = 0;
+    // User entries follow a few factory entries, so clearing them row by row removes near the front: cheap
+    // in a deque, quadratic in a vector.
+    std::deque<Badpixel> entries;
+    QStringList headers;
+    mutable BadpixelIndex places; // follows the entries when asked
 };
