@@ -80,6 +80,8 @@ public slots:
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
 private:
+    friend struct BadpixelListModelPeer; // tests plant entries of classes that only files bring
+
     QModelIndex entryAt(int x, int y) const;
     QModelIndex entryNear(int x, int y, int tolerance) const;
     void appendFromCamera(const std::vector<Badpixel> &list);
