@@ -1,0 +1,661 @@
+// SPDX-License-Identifier: MIT
+// Tests the image view on the pixels that it shows, and by real mouse and key events.
+#include "displaywidget.h"
+
+#include "hotpixels/badpixellistmodelpeer.h"
+
+#include <QItemSelectionModel>
+#include <QLabel>
+#include <QPainter>
+#include <QPointer>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QStandardItemModel>
+#include <QtTest>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+namespace {
+
+const QSize FrameSize(40, 30);
+
+/// An 8-bit frame without a colour table, as the camera makes them; neighbours differ.
+QImage gradientFrame(const QSize &size = FrameSize)
+{
+    QImage frame(size, QImage::Format_Indexed8);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            frame.scanLine(y)[x] = static_cast<uchar>(x * 5 + y * 3);
+    }
+    return frame;
+}
+
+QImage blackFrame(const QSize &size = FrameSize)
+{
+    QImage frame(size, QImage::Format_Indexed8);
+    frame.fill(0);
+    return frame;
+}
+
+QImage black32(const QSize &size = FrameSize)
+{
+    QImage picture(size, QImage::Format_RGB32);
+    picture.fill(Qt::black);
+    return picture;
+}
+
+QPoint clickedPixel(const QSignalSpy &spy)
+{
+    return spy.count() == 1 ? spy.first().first().toPoint() : QPoint(-1000, -1000);
+}
+
+} // namespace
+
+class TestDisplayWidget : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void showsNothingBeforeTheFirstFrame();
+    void looksAsTheWindowExpects();
+    void deletesItsLabel();
+    void withoutHighlightingTheFrameIsShownAsItIs();
+    void aFrameWithoutColourTableIsShownGrey();
+    void aNullImageLeavesTheViewAsItWas();
+    void clearKeepsTheFrame();
+    void settersDoNotRedraw();
+    void theFrameOutlivesItsBuffer();
+    void a32BitFrameIsNeverDrawnInto();
+
+    void anEntryAtTheOriginIsClippedNotMoved();
+    void anEntryIsCircledWithinNinePixels();
+    void entriesOutsideTheImageAreLeftOut();
+    void circlesAreColouredByClass_data();
+    void circlesAreColouredByClass();
+    void circlesGrowWithTheZoom();
+    void theSelectedEntryGetsAThickBlueCircle();
+    void aSelectionBeyondTheListIsLeftOut();
+    void theCrossHairNeedsFullScale_data();
+    void theCrossHairNeedsFullScale();
+    void theCrossHairIsFaint();
+    void aCoordinateOfMinusOneMeansNoCrossHair();
+    void circlesAreOpaqueBesideTheCrossHair();
+
+    void scaledSidesAreTruncated();
+    void toFitKeepsTheAspectRatio_data();
+    void toFitKeepsTheAspectRatio();
+    void aPictureTooLargeHalvesTheScale();
+    void aPictureStillTooLargeIsHalvedOnlyOnce();
+    void aFitIntoNothingReportsScaleZero();
+
+    void aClickAddressesThePixelUnderIt_data();
+    void aClickAddressesThePixelUnderIt();
+    void aClickIntoAScrolledViewAddressesThePixelUnderIt();
+    void aClickSixPixelsBesideAnEntrySelectsItsRow();
+    void aClickSevenPixelsBesideAnEntryClearsTheSelectionAndReports();
+    void aClickTakesTheFirstOfSeveralEntries();
+    void aClickWithoutListAndSelectionReportsThePixel();
+    void aClickIntoAFittedViewGoesThroughThePicturesSize();
+    void aClickIntoAFittedViewWithoutPictureAddressesNothing();
+    void otherButtonsDoNothing();
+    void theRightButtonComesFirst();
+
+    void aRightDragScrolls();
+    void movesWithoutTheRightButtonAreIgnored();
+    void keysTravelOn();
+
+private:
+    QLabel *label() const { return qobject_cast<QLabel *>(view->widget()); }
+    QImage shown() const;
+    QImage shownFor(const QImage &frame);
+    void addUserEntry(int x, int y) { list->addBadpixel(QPoint(x, y)); }
+    void clickLabel(const QPoint &viewPoint) { QTest::mouseClick(label(), Qt::LeftButton, {}, viewPoint); }
+    void send(QEvent::Type type, const QPoint &viewportPoint, Qt::MouseButtons buttons);
+    void showLargeFrame();
+
+    std::unique_ptr<DisplayWidget> view;
+    std::unique_ptr<BadpixelListModel> list;
+    std::unique_ptr<QItemSelectionModel> selection;
+};
+
+void TestDisplayWidget::init()
+{
+    list = std::make_unique<BadpixelListModel>();
+    selection = std::make_unique<QItemSelectionModel>(list.get());
+    view = std::make_unique<DisplayWidget>();
+    view->setListModel(list.get());
+    view->setSelectionModel(selection.get());
+    view->setHighlight(true);
+    view->resize(302, 202);
+}
+
+void TestDisplayWidget::cleanup()
+{
+    view.reset();
+    selection.reset();
+    list.reset();
+}
+
+QImage TestDisplayWidget::shown() const
+{
+    return label()->pixmap(Qt::ReturnByValue).toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+QImage TestDisplayWidget::shownFor(const QImage &frame)
+{
+    view->setImage(frame);
+    return shown();
+}
+
+void TestDisplayWidget::send(QEvent::Type type, const QPoint &viewportPoint, Qt::MouseButtons buttons)
+{
+    QMouseEvent event(type, viewportPoint, Qt::NoButton, buttons, Qt::NoModifier);
+    QCoreApplication::sendEvent(view->viewport(), &event);
+}
+
+/// A frame larger than the view, scrolled to (100, 80).
+void TestDisplayWidget::showLargeFrame()
+{
+    view->show();
+    view->setImage(blackFrame(QSize(800, 600)));
+    QTRY_VERIFY(view->verticalScrollBar()->maximum() > 300);
+    view->horizontalScrollBar()->setValue(100);
+    view->verticalScrollBar()->setValue(80);
+}
+
+void TestDisplayWidget::showsNothingBeforeTheFirstFrame()
+{
+    view->redrawImage();
+    QVERIFY(label()->pixmap(Qt::ReturnByValue).isNull());
+}
+
+void TestDisplayWidget::looksAsTheWindowExpects()
+{
+    QVERIFY(label());
+    QCOMPARE(label()->backgroundRole(), QPalette::Base);
+    QCOMPARE(label()->sizePolicy().horizontalPolicy(), QSizePolicy::Ignored);
+    QCOMPARE(label()->sizePolicy().verticalPolicy(), QSizePolicy::Ignored);
+    QVERIFY(label()->hasScaledContents());
+    QCOMPARE(view->backgroundRole(), QPalette::Dark);
+}
+
+void TestDisplayWidget::deletesItsLabel()
+{
+    const QPointer<QLabel> watched = label();
+    view.reset();
+    QVERIFY(watched.isNull());
+}
+
+void TestDisplayWidget::withoutHighlightingTheFrameIsShownAsItIs()
+{
+    addUserEntry(20, 15);
+    selection->select(list->index(0, 0), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    view->updateMagnifierPosition(QPoint(10, 10));
+    view->setHighlight(false);
+    view->setScale(2.0);
+    const QImage frame = gradientFrame();
+    const QImage picture = shownFor(frame);
+    QCOMPARE(picture.size(), FrameSize * 2);
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const int grey = frame.constScanLine(y / 2)[x / 2];
+            QCOMPARE(picture.pixel(x, y), qRgb(grey, grey, grey));
+        }
+    }
+}
+
+void TestDisplayWidget::aFrameWithoutColourTableIsShownGrey()
+{
+    QImage frame(256, 1, QImage::Format_Indexed8);
+    for (int x = 0; x < 256; ++x)
+        frame.scanLine(0)[x] = static_cast<uchar>(x);
+    QVERIFY(frame.colorTable().isEmpty());
+    const QImage picture = shownFor(frame);
+    for (int x = 0; x < 256; ++x)
+        QCOMPARE(picture.pixel(x, 0), qRgb(x, x, x));
+}
+
+void TestDisplayWidget::aNullImageLeavesTheViewAsItWas()
+{
+    const QImage before = shownFor(gradientFrame());
+    view->setImage(QImage());
+    QCOMPARE(shown(), before);
+}
+
+void TestDisplayWidget::clearKeepsTheFrame()
+{
+    const QImage before = shownFor(gradientFrame());
+    view->clear();
+    QVERIFY(label()->pixmap(Qt::ReturnByValue).isNull());
+    view->redrawImage();
+    QCOMPARE(shown(), before);
+}
+
+void TestDisplayWidget::settersDoNotRedraw()
+{
+    const QImage before = shownFor(gradientFrame());
+    addUserEntry(20, 15);
+    selection->select(list->index(0, 0), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    view->setScale(4.0);
+    view->updateMagnifierPosition(QPoint(3, 3));
+    view->setHighlight(false);
+    view->setHighlight(true);
+    view->setBufferSize(ImageInfo(1, 2, 8));
+    view->setListModel(list.get());
+    view->setSelectionModel(selection.get());
+    QCOMPARE(shown(), before);
+    view->redrawImage();
+    QCOMPARE(shown().size(), FrameSize * 4);
+}
+
+void TestDisplayWidget::theFrameOutlivesItsBuffer()
+{
+    constexpr int Side = 32;
+    auto buffer = std::make_unique<std::vector<uchar>>(Side * Side, uchar(77));
+    const QImage before = shownFor(QImage(buffer->data(), Side, Side, QImage::Format_Indexed8));
+    QCOMPARE(before.pixel(5, 5), qRgb(77, 77, 77));
+    std::fill(buffer->begin(), buffer->end(), uchar(200));
+    buffer.reset();
+    view->redrawImage();
+    QCOMPARE(shown(), before);
+}
+
+void TestDisplayWidget::a32BitFrameIsNeverDrawnInto()
+{
+    constexpr int Side = 32;
+    constexpr QRgb Grey = qRgb(50, 50, 50);
+    std::vector<QRgb> buffer(Side * Side, Grey);
+    addUserEntry(16, 16);
+    view->updateMagnifierPosition(QPoint(10, 10));
+    const QImage frame(reinterpret_cast<uchar *>(buffer.data()), Side, Side, QImage::Format_RGB32);
+    const QImage highlighted = shownFor(frame);
+    QVERIFY(highlighted.pixel(20, 16) != Grey);
+    QVERIFY(std::all_of(buffer.begin(), buffer.end(), [](QRgb pixel) { return pixel == Grey; }));
+
+    view->redrawImage();
+    QCOMPARE(shown(), highlighted);
+    view->setHighlight(false);
+    view->redrawImage();
+    QCOMPARE(shown(), frame);
+}
+
+void TestDisplayWidget::anEntryAtTheOriginIsClippedNotMoved()
+{
+    addUserEntry(0, 0);
+    const QImage atOrigin = shownFor(blackFrame());
+    list->clearBadpixelList();
+    addUserEntry(20, 15);
+    const QImage inside = shownFor(blackFrame());
+    const QRect lowerRight(20, 15, 20, 15);
+    QCOMPARE(atOrigin.copy(0, 0, 20, 15), inside.copy(lowerRight));
+    QCOMPARE(atOrigin.pixel(0, 0), qRgb(0, 0, 0));
+    QVERIFY(qGreen(atOrigin.pixel(4, 0)) > 0);
+}
+
+void TestDisplayWidget::anEntryIsCircledWithinNinePixels()
+{
+    addUserEntry(20, 15);
+    QImage expected = black32();
+    QPainter painter(&expected);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::green);
+    painter.drawEllipse(16, 11, 9, 9);
+    painter.end();
+    QCOMPARE(shownFor(blackFrame()), expected);
+}
+
+void TestDisplayWidget::entriesOutsideTheImageAreLeftOut()
+{
+    const QImage empty = shownFor(gradientFrame());
+    addUserEntry(65535, 65535);
+    addUserEntry(60, 15);
+    addUserEntry(20, 60);
+    selection->select(list->index(1, 0), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    QCOMPARE(shownFor(gradientFrame()), empty);
+}
+
+void TestDisplayWidget::circlesAreColouredByClass_data()
+{
+    QTest::addColumn<int>("pixelclass");
+    QTest::addColumn<bool>("red");
+    QTest::addColumn<bool>("green");
+    QTest::newRow("factory is yellow") << int(Factory) << true << true;
+    QTest::newRow("user is green") << int(User) << false << true;
+    QTest::newRow("ignore is red") << int(Ignore) << true << false;
+    QTest::newRow("any other is red") << 77 << true << false;
+}
+
+void TestDisplayWidget::circlesAreColouredByClass()
+{
+    QFETCH(int, pixelclass);
+    QFETCH(bool, red);
+    QFETCH(bool, green);
+    BadpixelListModelPeer::append(*list, {{20, 15, static_cast<std::uint8_t>(pixelclass)}});
+    const QRgb pixel = shownFor(blackFrame()).pixel(24, 15);
+    QCOMPARE(qRed(pixel) > 0, red);
+    QCOMPARE(qGreen(pixel) > 0, green);
+    QCOMPARE(qBlue(pixel), 0);
+}
+
+void TestDisplayWidget::circlesGrowWithTheZoom()
+{
+    addUserEntry(20, 15);
+    const QImage plain = shownFor(blackFrame());
+    view->setScale(4.0);
+    view->redrawImage();
+    QCOMPARE(shown(), plain.scaled(FrameSize * 4));
+}
+
+void TestDisplayWidget::theSelectedEntryGetsAThickBlueCircle()
+{
+    addUserEntry(5, 5);
+    addUserEntry(20, 15);
+    selection->select(list->index(1, 0), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    QImage expected = black32();
+    QPainter painter(&expected);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::green);
+    painter.drawEllipse(1, 1, 9, 9);
+    painter.drawEllipse(16, 11, 9, 9);
+    painter.setPen(QPen(Qt::blue, 3));
+    painter.drawEllipse(14, 9, 13, 13);
+    painter.end();
+    QCOMPARE(shownFor(blackFrame()), expected);
+}
+
+void TestDisplayWidget::aSelectionBeyondTheListIsLeftOut()
+{
+    QStandardItemModel longer(9, 3);
+    QItemSelectionModel foreign(&longer);
+    foreign.select(longer.index(8, 0), QItemSelectionModel::Select);
+    view->setSelectionModel(&foreign);
+    QCOMPARE(shownFor(blackFrame()), black32());
+    view->setSelectionModel(nullptr);
+}
+
+void TestDisplayWidget::theCrossHairNeedsFullScale_data()
+{
+    QTest::addColumn<double>("scale");
+    QTest::addColumn<bool>("drawn");
+    QTest::newRow("to fit") << 0.0 << false;
+    QTest::newRow("25 %") << 0.25 << false;
+    QTest::newRow("50 %") << 0.5 << false;
+    QTest::newRow("100 %") << 1.0 << true;
+    QTest::newRow("200 %") << 2.0 << true;
+}
+
+void TestDisplayWidget::theCrossHairNeedsFullScale()
+{
+    QFETCH(double, scale);
+    QFETCH(bool, drawn);
+    view->setScale(scale);
+    const QImage without = shownFor(blackFrame());
+    view->updateMagnifierPosition(QPoint(8, 12));
+    view->redrawImage();
+    QCOMPARE(shown() != without, drawn);
+}
+
+void TestDisplayWidget::theCrossHairIsFaint()
+{
+    view->updateMagnifierPosition(QPoint(8, 12));
+    const QImage picture = shownFor(blackFrame());
+    for (int y = 0; y < FrameSize.height(); ++y) {
+        for (int x = 0; x < FrameSize.width(); ++x) {
+            const QRgb pixel = picture.pixel(x, y);
+            const bool crossed = x == 8 && y == 12;
+            const bool onLine = x == 8 || y == 12;
+            const int expected = crossed ? 130 : onLine ? 76 : 0; // 0.3 of 255, twice where the lines cross
+            QVERIFY2(qAbs(qRed(pixel) - expected) <= 2, qPrintable(QString("%1, %2").arg(x).arg(y)));
+            QCOMPARE(pixel & 0xffff, 0u);
+        }
+    }
+}
+
+void TestDisplayWidget::aCoordinateOfMinusOneMeansNoCrossHair()
+{
+    const QImage without = shownFor(blackFrame());
+    for (const QPoint &position : {QPoint(-1, 12), QPoint(8, -1), QPoint(-1, -1)}) {
+        view->updateMagnifierPosition(position);
+        QCOMPARE(shownFor(blackFrame()), without);
+    }
+}
+
+void TestDisplayWidget::circlesAreOpaqueBesideTheCrossHair()
+{
+    addUserEntry(25, 20);
+    const QImage plain = shownFor(blackFrame());
+    view->updateMagnifierPosition(QPoint(3, 3));
+    const QRect circle(18, 13, 15, 15);
+    QCOMPARE(shownFor(blackFrame()).copy(circle), plain.copy(circle));
+}
+
+void TestDisplayWidget::scaledSidesAreTruncated()
+{
+    view->setScale(0.5);
+    QCOMPARE(shownFor(blackFrame(QSize(5, 7))).size(), QSize(2, 3));
+    QCOMPARE(label()->size(), QSize(2, 3));
+    view->setScale(4.0);
+    QCOMPARE(shownFor(blackFrame(QSize(5, 7))).size(), QSize(20, 28));
+    QCOMPARE(label()->size(), QSize(20, 28));
+}
+
+void TestDisplayWidget::toFitKeepsTheAspectRatio_data()
+{
+    QTest::addColumn<QSize>("frame");
+    QTest::addColumn<QSize>("fitted");
+    QTest::newRow("square") << QSize(100, 100) << QSize(200, 200);
+    QTest::newRow("wide") << QSize(64, 16) << QSize(300, 75);
+    QTest::newRow("larger") << QSize(1200, 400) << QSize(300, 100);
+    QTest::newRow("tall") << QSize(50, 400) << QSize(25, 200);
+}
+
+void TestDisplayWidget::toFitKeepsTheAspectRatio()
+{
+    QFETCH(QSize, frame);
+    QFETCH(QSize, fitted);
+    view->setScale(0.0);
+    QCOMPARE(shownFor(blackFrame(frame)).size(), fitted);
+    QCOMPARE(label()->size(), fitted);
+}
+
+void TestDisplayWidget::aPictureTooLargeHalvesTheScale()
+{
+    // Rows of more than 2^31 bits cannot be made.
+    QSignalSpy changed(view.get(), &DisplayWidget::scaleChanged);
+    QImage wide(40000000, 1, QImage::Format_Indexed8);
+    wide.fill(9);
+    view->setHighlight(false);
+    view->setScale(2.0);
+    view->setImage(wide);
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.first().first().toDouble(), 1.0);
+    QCOMPARE(label()->pixmap(Qt::ReturnByValue).size(), wide.size());
+
+    view->setImage(gradientFrame());
+    QCOMPARE(shown().size(), FrameSize); // the halved scale stays
+}
+
+void TestDisplayWidget::aPictureStillTooLargeIsHalvedOnlyOnce()
+{
+    QSignalSpy changed(view.get(), &DisplayWidget::scaleChanged);
+    view->setScale(1e12);
+    view->setImage(gradientFrame());
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.first().first().toDouble(), 5e11);
+    QVERIFY(label()->pixmap(Qt::ReturnByValue).isNull());
+}
+
+void TestDisplayWidget::aFitIntoNothingReportsScaleZero()
+{
+    QSignalSpy changed(view.get(), &DisplayWidget::scaleChanged);
+    view->resize(2, 2);
+    view->setScale(0.0);
+    view->setImage(gradientFrame());
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.first().first().toDouble(), 0.0);
+    QVERIFY(label()->pixmap(Qt::ReturnByValue).isNull());
+}
+
+void TestDisplayWidget::aClickAddressesThePixelUnderIt_data()
+{
+    QTest::addColumn<double>("scale");
+    QTest::addColumn<QPoint>("pixel");
+    QTest::newRow("200 %") << 2.0 << QPoint(6, 3);
+    QTest::newRow("100 %") << 1.0 << QPoint(13, 7);
+    QTest::newRow("25 %") << 0.25 << QPoint(52, 28);
+}
+
+void TestDisplayWidget::aClickAddressesThePixelUnderIt()
+{
+    QFETCH(double, scale);
+    QFETCH(QPoint, pixel);
+    view->setScale(scale);
+    view->setImage(blackFrame(QSize(200, 100)));
+    QSignalSpy clicked(view.get(), &DisplayWidget::positionClicked);
+    clickLabel(QPoint(13, 7));
+    QCOMPARE(clickedPixel(clicked), pixel);
+}
+
+void TestDisplayWidget::aClickIntoAScrolledViewAddressesThePixelUnderIt()
+{
+    showLargeFrame();
+    QSignalSpy clicked(view.get(), &DisplayWidget::positionClicked);
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, QPoint(20, 30));
+    QCOMPARE(clickedPixel(clicked), QPoint(120, 110));
+}
+
+void TestDisplayWidget::aClickSixPixelsBesideAnEntrySelectsItsRow()
+{
+    addUserEntry(2, 2);
+    addUserEntry(20, 15);
+    view->setImage(blackFrame());
+    selection->select(list->index(0, 0), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    QSignalSpy clicked(view.get(), &DisplayWidget::positionClicked);
+    clickLabel(QPoint(14, 15));
+    QVERIFY(clicked.isEmpty());
+    QCOMPARE(selection->selectedRows().count(), 1);
+    QCOMPARE(selection->selectedRows().first().row(), 1);
+    QCOMPARE(selection->selectedIndexes().count(), list->columnCount());
+}
+
+void TestDisplayWidget::aClickSevenPixelsBesideAnEntryClearsTheSelectionAndReports()
+{
+    addUserEntry(20, 15);
+    view->setImage(blackFrame());
+    selection->select(list->index(0, 0), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    QSignalSpy clicked(view.get(), &DisplayWidget::positionClicked);
+    clickLabel(QPoint(13, 15));
+    QCOMPARE(clickedPixel(clicked), QPoint(13, 15));
+    QVERIFY(!selection->hasSelection());
+}
+
+void TestDisplayWidget::aClickTakesTheFirstOfSeveralEntries()
+{
+    addUserEntry(24, 15);
+    addUserEntry(20, 15);
+    view->setImage(blackFrame());
+    clickLabel(QPoint(20, 15));
+    QCOMPARE(selection->selectedRows().value(0).row(), 0);
+}
+
+void TestDisplayWidget::aClickWithoutListAndSelectionReportsThePixel()
+{
+    view->setListModel(nullptr);
+    view->setSelectionModel(nullptr);
+    view->setImage(blackFrame());
+    QCOMPARE(shown(), black32());
+    QSignalSpy clicked(view.get(), &DisplayWidget::positionClicked);
+    clickLabel(QPoint(4, 5));
+    QCOMPARE(clickedPixel(clicked), QPoint(4, 5));
+
+    addUserEntry(4, 5);
+    view->setListModel(list.get());
+    clickLabel(QPoint(4, 5));
+    QCOMPARE(clicked.count(), 1); // found, though there is nothing to select it in
+}
+
+void TestDisplayWidget::aClickIntoAFittedViewGoesThroughThePicturesSize()
+{
+    view->setScale(0.0);
+    view->setImage(blackFrame(QSize(64, 16))); // shown as 300 x 75
+    QSignalSpy clicked(view.get(), &DisplayWidget::positionClicked);
+    clickLabel(QPoint(150, 40));
+    QCOMPARE(clickedPixel(clicked), QPoint(32, 8));
+    clicked.clear();
+    clickLabel(QPoint(299, 74));
+    QCOMPARE(clickedPixel(clicked), QPoint(63, 15));
+}
+
+void TestDisplayWidget::aClickIntoAFittedViewWithoutPictureAddressesNothing()
+{
+    addUserEntry(300, 300);
+    selection->select(list->index(0, 0), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    view->setScale(0.0);
+    QSignalSpy clicked(view.get(), &DisplayWidget::positionClicked);
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, QPoint(20, 30));
+    QVERIFY(clicked.isEmpty());
+    QVERIFY(selection->hasSelection());
+}
+
+void TestDisplayWidget::otherButtonsDoNothing()
+{
+    addUserEntry(20, 15);
+    view->setImage(blackFrame());
+    QSignalSpy clicked(view.get(), &DisplayWidget::positionClicked);
+    send(QEvent::MouseButtonPress, QPoint(20, 15), Qt::MiddleButton);
+    send(QEvent::MouseButtonPress, QPoint(2, 2), Qt::MiddleButton);
+    QVERIFY(clicked.isEmpty());
+    QVERIFY(!selection->hasSelection());
+}
+
+void TestDisplayWidget::theRightButtonComesFirst()
+{
+    addUserEntry(20, 15);
+    view->setImage(blackFrame());
+    QSignalSpy clicked(view.get(), &DisplayWidget::positionClicked);
+    send(QEvent::MouseButtonPress, QPoint(20, 15), Qt::LeftButton | Qt::RightButton);
+    send(QEvent::MouseButtonPress, QPoint(2, 2), Qt::LeftButton | Qt::RightButton);
+    QVERIFY(clicked.isEmpty());
+    QVERIFY(!selection->hasSelection());
+}
+
+void TestDisplayWidget::aRightDragScrolls()
+{
+    showLargeFrame();
+    send(QEvent::MouseButtonPress, QPoint(50, 50), Qt::RightButton);
+    send(QEvent::MouseMove, QPoint(60, 50), Qt::RightButton);
+    QCOMPARE(view->horizontalScrollBar()->value(), 90);
+    QCOMPARE(view->verticalScrollBar()->value(), 80);
+    send(QEvent::MouseMove, QPoint(55, 43), Qt::RightButton | Qt::LeftButton);
+    QCOMPARE(view->horizontalScrollBar()->value(), 95);
+    QCOMPARE(view->verticalScrollBar()->value(), 87);
+}
+
+void TestDisplayWidget::movesWithoutTheRightButtonAreIgnored()
+{
+    showLargeFrame();
+    send(QEvent::MouseButtonPress, QPoint(50, 50), Qt::RightButton);
+    send(QEvent::MouseMove, QPoint(70, 70), Qt::NoButton);
+    send(QEvent::MouseMove, QPoint(80, 80), Qt::LeftButton);
+    QCOMPARE(view->horizontalScrollBar()->value(), 100);
+    QCOMPARE(view->verticalScrollBar()->value(), 80);
+    send(QEvent::MouseMove, QPoint(51, 50), Qt::RightButton);
+    QCOMPARE(view->horizontalScrollBar()->value(), 99); // the drag still starts where it did
+}
+
+void TestDisplayWidget::keysTravelOn()
+{
+    showLargeFrame();
+    QKeyEvent down(QEvent::KeyPress, Qt::Key_Down, Qt::NoModifier);
+    QCoreApplication::sendEvent(view.get(), &down);
+    QVERIFY(!down.isAccepted());
+    QCOMPARE(view->verticalScrollBar()->value(), 80);
+}
+
+QTEST_MAIN(TestDisplayWidget)
+#include "tst_displaywidget.moc"
