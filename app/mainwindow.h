@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: MIT
+// The program's one window: it owns every long-lived object and wires them together.
+#pragma once
+
+#include "badpixellistmodel.h"
+#include "camera.h"
+#include "cameralistmodel.h"
+#include "guard.h"
+
+#include <QImage>
+#include <QItemSelection>
+#include <QMainWindow>
+#include <QPointer>
+#include <QVector>
+
+#include <memory>
+
+class DetectionDialogue;
+class QAction;
+class QDockWidget;
+class QItemSelectionModel;
+class QMenu;
+class QScrollBar;
+class QTableView;
+
+namespace Ui {
+class MainWindow;
+}
+
+/// GUI thread only. One file a topic: mainwindow_<topic>.cpp.
+class MainWindow final : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    /// @throws std::exception when a part of the window cannot be built or the cameras cannot be listed
+    explicit MainWindow(QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+signals:
+    void cameraOpened(bool opened);
+    void magnifierPositionChanged(QPoint position);
+    void detectionFinished();
+    void detectionProgress(int percent);
+
+protected slots:
+    void createCameraListDock();
+    void createBadpixelListDock();
+    void showCameraListContextMenu(QPoint pos);
+    void showBadpixelListContextMenu(QPoint pos);
+    void openCamera();
+    void closeCamera();
+    void newImage(QImage &image);
+    void updateCameraActions();
+    void onCameraOpened(Camera *openedCamera);
+    void onCameraClosed();
+    void setSelection(QModelIndex topLeft, QModelIndex bottomRight);
+    void updateSelection(QItemSelection selected, QItemSelection deselected);
+    void setMagnifierPosition(QPoint position);
+    void updateScaleFactor(int scale);
+    void writeBadpixelList();
+    void addNewBadpixel();
+    void deleteBadpixel();
+    void clearBadpixel();
+    void openDetectDialog();
+    void startDetectingBadpixel(bool clear, uint threshold);
+    void detectBadpixel();
+    void onShowHideCameraListDock();
+    void onShowHideBadpixelListDock();
+    void onMenuShow();
+    void onZoomChanged(QAction *act);
+    void onSelectCameraRow(int row);
+    void onCameraReconnect();
+    void onCameraDisconnect();
+    void onHotpixelCorrection();
+
+protected:
+    void changeEvent(QEvent *event) override;
+
+private:
+    struct Zoom;
+
+    // construction, in this order
+    void createSelectionModels();
+    void createActions();
+    void createCameraActions();
+    void createHotpixelActions();
+    void createZoomActions();
+    void createMenus();
+    void createToolBar();
+    void createFileMenu();
+    void createViewMenu();
+    void connectActions();
+    void connectCamera();
+    void connectLists();
+    void connectView();
+
+    QAction *addNamedAction(const char *name, const QString &text, const QString &icon = QString());
+    QAction *createZoomAction(const char *name, const QString &text);
+    QDockWidget *createListDock(const QString &title, const char *name, QTableView *table);
+    static void compactRows(QTableView *table);
+
+    // camera
+    CameraEntry selectedCamera() const;
+    void openSelectedCamera(const CameraEntry &entry);
+    void checkCorrectionSupport();
+    void setImageVisible(bool visible);
+
+    // hot pixels and view
+    QModelIndex selectedHotpixel() const;
+    void scrollToEntry(const Badpixel &entry);
+    void scrollInProportion(QScrollBar *bar, int imageExtent, int position) const;
+
+    // detection
+    void captureDarkFrame(const QImage &frame);
+    void reportLightLeak();
+    void dropRun();
+    void abortRun();
+
+    /// Runs `work`; the text of an exception is shown in the status bar for `msec` milliseconds.
+    template<typename Work>
+    bool guard(Work &&work, int msec = 2000)
+    {
+        return guarded(work, [this, msec](const QString &text) { showText(text, msec); });
+    }
+    void showText(const QString &text, int msec);
+
+    std::unique_ptr<Ui::MainWindow> form;
+    Camera camera;
+    CameraListModel cameraList;
+    BadpixelListModel badpixelList;
+
+    QAction *openCameraAction = nullptr;
+    QAction *closeCameraAction = nullptr;
+    QAction *highlightAction = nullptr;
+    QAction *writeListAction = nullptr;
+    QAction *correctionAction = nullptr;
+    QAction *addBadpixelAction = nullptr;
+    QAction *deleteBadpixelAction = nullptr;
+    QAction *clearBadpixelAction = nullptr;
+    QAction *detectAction = nullptr;
+    QAction *zoom1to1Action = nullptr;
+    QAction *zoom2to1Action = nullptr;
+    QAction *zoom4to1Action = nullptr;
+    QAction *zoom1to2Action = nullptr;
+    QAction *zoom1to4Action = nullptr;
+    QAction *zoomToFitAction = nullptr;
+    QAction *zoomAction = nullptr;
+    QAction *exitAction = nullptr;
+    QAction *showCameraListAction = nullptr;
+    QAction *showBadpixelListAction = nullptr;
+    QMenu *zoomMenu = nullptr;
+
+    // A dock may be destroyed before the window is.
+    QPointer<QDockWidget> cameraListDock;
+    QPointer<QDockWidget> badpixelListDock;
+    QTableView *cameraTable = nullptr;
+    QTableView *badpixelTable = nullptr;
+    QItemSelectionModel *cameraSelection = nullptr;
+    QItemSelectionModel *badpixelSelection = nullptr;
+
+    int scaleFactor = 1; // view pixels an image pixel; 1 for reductions too, 0 to fit
+    bool detecting = false;
+    uint detectionThreshold = 25;
+    double shownMark = 1111.0; // Kept: nobody reads it; every change of what is shown resets it
+    QVector<QImage> darkFrames; // deep copies: the camera's buffers are borrowed
+    int detectionPercent = 0;
+    QPoint magnifierPosition; // image pixels
+    QSize imageSize;          // of the latest frame; empty while there is none
+    QPointer<DetectionDialogue> detectionDialogue;
+};

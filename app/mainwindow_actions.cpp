@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: MIT
+// The window's actions, menus, tool bar and zoom levels.
+
+#include "mainwindow.h"
+
+#include "ui_mainwindow.h"
+
+#include <QAction>
+#include <QDockWidget>
+#include <QMenu>
+#include <QToolButton>
+
+QAction *MainWindow::addNamedAction(const char *name, const QString &text, const QString &icon)
+{
+    auto *action = new QAction(text, this);
+    action->setObjectName(name);
+    if (!icon.isEmpty())
+        action->setIcon(QIcon(":/res/" + icon));
+    return action;
+}
+
+void MainWindow::createActions()
+{
+    form->mainToolBar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    createCameraActions();
+    createHotpixelActions();
+    createZoomActions();
+    // The shortcuts must work while the tool bar is hidden.
+    addAction(addBadpixelAction);
+    addAction(deleteBadpixelAction);
+}
+
+void MainWindow::createCameraActions()
+{
+    openCameraAction = addNamedAction("openCameraAction", tr("&Open camera"), "openplay.png");
+    openCameraAction->setEnabled(false);
+    closeCameraAction = addNamedAction("closeCameraAction", tr("&Close camera"), "camclose.png");
+    closeCameraAction->setEnabled(false);
+    highlightAction = addNamedAction("highlightAction", tr("&Highlight"), "highlight.png");
+    highlightAction->setCheckable(true);
+    highlightAction->setChecked(true);
+}
+
+void MainWindow::createHotpixelActions()
+{
+    writeListAction = addNamedAction("writeListAction", tr("&Write hot pixel"), "writeBadpixel.png");
+    writeListAction->setEnabled(false);
+    correctionAction = addNamedAction("correctionAction", tr("Hot pixel correction"), "badpixelCorrection.png");
+    correctionAction->setCheckable(true);
+    correctionAction->setEnabled(false);
+    addBadpixelAction = addNamedAction("addBadpixelAction", tr("&Add hot pixel"), "addBadpixel.png");
+    addBadpixelAction->setShortcut(QKeySequence(Qt::CTRL + Qt::Key_A));
+    addBadpixelAction->setEnabled(false);
+    deleteBadpixelAction = addNamedAction("deleteBadpixelAction", tr("&Delete hot pixel"), "deleteBadpixel.png");
+    deleteBadpixelAction->setShortcut(QKeySequence(Qt::Key_Delete));
+    clearBadpixelAction = addNamedAction("clearBadpixelAction", tr("Clear user hot pixel"));
+    deleteBadpixelAction->setEnabled(false);
+    detectAction = addNamedAction("detectAction", tr("Detec&t hot pixel"), "detectBadpixel.png");
+    detectAction->setEnabled(false);
+}
+
+QAction *MainWindow::createZoomAction(const char *name, const QString &text)
+{
+    QAction *action = addNamedAction(name, text);
+    action->setCheckable(true);
+    return action;
+}
+
+void MainWindow::createZoomActions()
+{
+    zoom1to1Action = createZoomAction("zoom1to1Action", tr("1:1"));
+    zoom1to1Action->setChecked(true);
+    zoom2to1Action = createZoomAction("zoom2to1Action", tr("2:1"));
+    zoom4to1Action = createZoomAction("zoom4to1Action", tr("4:1"));
+    zoom1to2Action = createZoomAction("zoom1to2Action", tr("1:2"));
+    zoom1to4Action = createZoomAction("zoom1to4Action", tr("1:4"));
+    zoomToFitAction = createZoomAction("zoomToFitAction", tr("To fit"));
+    zoomToFitAction->setVisible(false);
+    zoomToFitAction->setEnabled(false);
+
+    zoomMenu = new QMenu(this);
+    zoomMenu->addActions({zoom1to4Action, zoom1to2Action, zoom1to1Action, zoom2to1Action, zoom4to1Action,
+                          zoomToFitAction});
+    zoomAction = addNamedAction("zoomAction", zoom1to1Action->text(), "zoom.png");
+    zoomAction->setMenu(zoomMenu);
+    zoomAction->setEnabled(false);
+}
+
+void MainWindow::createMenus()
+{
+    createCameraListDock();
+    createBadpixelListDock();
+    tabifyDockWidget(cameraListDock, badpixelListDock);
+    createToolBar();
+    createFileMenu();
+    createViewMenu();
+}
+
+void MainWindow::createToolBar()
+{
+    QToolBar *bar = form->mainToolBar;
+    bar->addActions({openCameraAction, closeCameraAction});
+    bar->addSeparator();
+    bar->addActions({correctionAction, detectAction, writeListAction, addBadpixelAction, deleteBadpixelAction});
+    bar->addSeparator();
+    bar->addActions({highlightAction, zoomAction});
+    // One plain click opens the zoom menu.
+    if (auto *button = qobject_cast<QToolButton *>(bar->widgetForAction(zoomAction)))
+        button->setPopupMode(QToolButton::InstantPopup);
+}
+
+void MainWindow::createFileMenu()
+{
+    exitAction = addNamedAction("exitAction", tr("E&xit"), "exit.png");
+    connect(exitAction, &QAction::triggered, this, &MainWindow::close);
+
+    QMenu *menu = form->menuBar->addMenu(tr("&File"));
+    menu->addActions({openCameraAction, closeCameraAction});
+    menu->addSeparator();
+    menu->addAction(exitAction);
+}
+
+void MainWindow::createViewMenu()
+{
+    showCameraListAction = addNamedAction("showCameraListAction", tr("Camera list"), "cameraList.png");
+    showCameraListAction->setCheckable(true);
+    connect(showCameraListAction, &QAction::triggered, this, &MainWindow::onShowHideCameraListDock);
+    showBadpixelListAction = addNamedAction("showBadpixelListAction", tr("Hot pixel list"), "badpixelList.png");
+    showBadpixelListAction->setCheckable(true);
+    connect(showBadpixelListAction, &QAction::triggered, this, &MainWindow::onShowHideBadpixelListDock);
+
+    QMenu *menu = form->menuBar->addMenu(tr("&View"));
+    connect(menu, &QMenu::aboutToShow, this, &MainWindow::onMenuShow);
+    menu->addActions({showCameraListAction, showBadpixelListAction});
+    menu->addSeparator();
+    menu->addAction(highlightAction);
+}
+
+struct MainWindow::Zoom
+{
+    QAction *action;
+    double scale;     // view pixels an image pixel; 0.0 fits the image into the view
+    int scaleFactor;  // Kept: the reductions count as 1
+};
+
+void MainWindow::onZoomChanged(QAction *act)
+{
+    for (QAction *action : {zoom1to1Action, zoom2to1Action, zoom4to1Action, zoom1to4Action, zoom1to2Action,
+                            zoomToFitAction})
+        action->setChecked(false);
+    shownMark = 1111.0;
+    const Zoom zooms[] = {{zoom1to1Action, 1.0, 1}, {zoom2to1Action, 2.0, 2},   {zoom4to1Action, 4.0, 4},
+                          {zoom1to2Action, 0.5, 1}, {zoom1to4Action, 0.25, 1}, {zoomToFitAction, 0.0, 0}};
+    for (const Zoom &zoom : zooms) {
+        if (zoom.action != act)
+            continue;
+        zoomAction->setText(act->text());
+        act->setChecked(true);
+        form->display->setScale(zoom.scale);
+        scaleFactor = zoom.scaleFactor;
+        return;
+    }
+}

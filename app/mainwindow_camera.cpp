@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+// The one camera connection: open, close, unplugged and back, its actions, its correction.
+
+#include "mainwindow.h"
+
+#include "ui_mainwindow.h"
+
+#include <QItemSelectionModel>
+#include <QMessageBox>
+#include <QTableView>
+
+namespace {
+
+constexpr int StatusColumn = 4;
+
+} // namespace
+
+/// The entry of the selected row; an empty entry when nothing is selected.
+CameraEntry MainWindow::selectedCamera() const
+{
+    const QModelIndexList selected = cameraSelection->selectedIndexes();
+    return selected.isEmpty() ? CameraEntry() : cameraList.camera(selected.first().row());
+}
+
+void MainWindow::openCamera()
+{
+    const CameraEntry entry = selectedCamera();
+    if (entry == CameraEntry() || entry.inUse)
+        return;
+    guard([&] { openSelectedCamera(entry); }, 5000);
+    setMagnifierPosition(QPoint(0, 0));
+    checkCorrectionSupport();
+}
+
+void MainWindow::openSelectedCamera(const CameraEntry &entry)
+{
+    shownMark = 1111.0;
+    camera.open(static_cast<int>(entry.deviceId));
+    camera.setBadPixelCorrection(correctionAction->isChecked());
+    onZoomChanged(zoom1to1Action);
+    form->display->clear();
+    form->display->setHighlight(highlightAction->isChecked());
+    setImageVisible(true);
+}
+
+/// After a failed open there is no camera that could be spoken of: then only the action is disabled.
+void MainWindow::checkCorrectionSupport()
+{
+    const bool supported = camera.isOpen() && camera.supportsCameraCorrection();
+    writeListAction->setEnabled(supported);
+    if (camera.isOpen() && !supported)
+        QMessageBox::warning(this, tr("Please note!"),
+                             tr("This camera only supports software correction and therefore can't save inside "
+                                "the camera memory."));
+}
+
+void MainWindow::closeCamera()
+{
+    const CameraEntry entry = selectedCamera();
+    if (entry == CameraEntry() || entry.serialNumber != camera.serialNumber())
+        return;
+    camera.close();
+    shownMark = 1111.0;
+    form->display->clear();
+    setImageVisible(false);
+    setMagnifierPosition(QPoint(0, 0));
+}
+
+void MainWindow::onCameraOpened(Camera *)
+{
+    emit cameraOpened(true);
+}
+
+void MainWindow::onCameraClosed()
+{
+    emit cameraOpened(false);
+    if (detecting)
+        abortRun();
+}
+
+/// The camera stays open: it comes back, or the user closes it.
+void MainWindow::onCameraDisconnect()
+{
+    shownMark = 1111.0;
+    setImageVisible(false);
+    QImage none;
+    newImage(none);
+}
+
+void MainWindow::onCameraReconnect()
+{
+    cameraList.refresh();
+    for (int row = 0; row < cameraList.rowCount(); ++row) {
+        // The last match stays selected. A camera that is back shows "in use" until the next refresh.
+        if (cameraList.data(cameraList.index(row, StatusColumn)).toString() == "in use")
+            cameraTable->selectRow(row);
+    }
+    setImageVisible(true);
+}
+
+void MainWindow::onSelectCameraRow(int row)
+{
+    if (cameraSelection->selection().isEmpty())
+        cameraTable->selectRow(row);
+}
+
+/// Enables "Write" for the open camera even where it cannot store lists: the check after opening disables it,
+/// the next change of the camera list enables it again, and writing then says so. Kept.
+void MainWindow::updateCameraActions()
+{
+    const CameraEntry entry = selectedCamera();
+    openCameraAction->setEnabled(!entry.inUse && !entry.serialNumber.isEmpty());
+    for (QAction *action : {closeCameraAction, correctionAction, detectAction, addBadpixelAction,
+                            writeListAction, zoomAction})
+        action->setEnabled(entry.opened);
+}
+
+void MainWindow::onHotpixelCorrection()
+{
+    camera.setBadPixelCorrection(correctionAction->isChecked());
+}
+
+void MainWindow::setImageVisible(bool visible)
+{
+    form->display->widget()->setVisible(visible);
+}

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+// The user's work on the hot pixel list: add, delete, clear, write into the camera.
+
+#include "mainwindow.h"
+
+#include <QItemSelectionModel>
+#include <QMessageBox>
+
+/// The first selected index of the hot pixel list, or an invalid one.
+QModelIndex MainWindow::selectedHotpixel() const
+{
+    const QModelIndexList selected = badpixelSelection->selectedIndexes();
+    return selected.isEmpty() ? QModelIndex() : selected.first();
+}
+
+void MainWindow::addNewBadpixel()
+{
+    guard([this] {
+        if (!badpixelList.addBadpixel(magnifierPosition))
+            return;
+        const QModelIndex added = badpixelList.findBadpixel(magnifierPosition.x(), magnifierPosition.y(), 1);
+        badpixelSelection->select(added, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    });
+}
+
+void MainWindow::deleteBadpixel()
+{
+    guard([this] {
+        const QModelIndex selected = selectedHotpixel();
+        if (selected.isValid())
+            badpixelList.removeUserBadpixel(selected.row());
+    });
+}
+
+void MainWindow::clearBadpixel()
+{
+    guard([this] { badpixelList.clearUserBadpixelList(); });
+}
+
+void MainWindow::writeBadpixelList()
+{
+    if (!camera.supportsCameraCorrection()) {
+        QMessageBox::critical(this, tr("Not supported!"),
+                              tr("This camera only supports software correction and can't be saved inside the "
+                                 "camera memory!"));
+        return;
+    }
+    QMessageBox question(this);
+    question.setIcon(QMessageBox::Warning);
+    question.setText(tr("This action will completely overwrite the user defined hot pixel list in the EEPROM of "
+                        "the camera."));
+    question.setInformativeText(tr("Do you want to continue?"));
+    question.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+    if (question.exec() != QMessageBox::Yes)
+        return;
+    guarded([this] { badpixelList.writeBadpixelList(&camera); },
+            [this](const QString &text) {
+                showText(text, 2000);
+                QMessageBox::critical(this, tr("Write failed"), text);
+            });
+}

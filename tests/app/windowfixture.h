@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+// The real main window on a bench of small cameras, for the whole-window tests.
+#pragma once
+
+#include "kelvosim.h"
+#include "mainwindow.h"
+#include "testcamera.h"
+#include "windowdriver.h"
+
+#include <QAction>
+#include <QItemSelectionModel>
+#include <QTableView>
+
+#include <memory>
+
+/// One window at a time, on a bench that was just reset.
+class WindowFixture
+{
+public:
+    /// Serial numbers of the bench's cameras; the first two can store lists, the third cannot.
+    const QString mono = "KVMONO";
+    const QString bayer = "KVBAYER";
+    const QString plain = "KVPLAIN";
+
+    /// An empty bench with the three cameras, whose frames come from pushFrame() alone.
+    void resetBench()
+    {
+        window.reset();
+        kelvosim::reset();
+        addCamera(mono, kelvosim::SensorKind::Mono, true);
+        addCamera(bayer, kelvosim::SensorKind::RawBayer, true);
+        addCamera(plain, kelvosim::SensorKind::Mono, false);
+    }
+
+    void showWindow()
+    {
+        window = std::make_unique<MainWindow>();
+        driver = std::make_unique<WindowDriver>(*window);
+        window->show();
+    }
+
+    /// Resets the bench, shows the window and opens a camera.
+    void openOnFreshBench(const QString &serial)
+    {
+        resetBench();
+        showWindow();
+        open(serial);
+    }
+
+    void open(const QString &serial)
+    {
+        driver->selectCamera(serial);
+        driver->trigger("openCameraAction");
+    }
+
+    void invoke(const char *slot) { QMetaObject::invokeMethod(window.get(), slot, Qt::DirectConnection); }
+
+    /// Pushes a frame of one grey value; it is handled in a later turn of the event loop.
+    bool pushFlat(const QString &serial, std::uint8_t grey) { return push(serial, flatFrame(grey)); }
+
+    bool push(const QString &serial, const std::vector<std::uint8_t> &frame)
+    {
+        return kelvosim::pushFrame(serial.toStdString(), frame);
+    }
+
+    static std::vector<std::uint8_t> flatFrame(std::uint8_t grey) { return testcamera::flatFrame(spec(), grey); }
+
+    void moveTo(const QPoint &position)
+    {
+        QMetaObject::invokeMethod(window.get(), "setMagnifierPosition", Qt::DirectConnection,
+                                  Q_ARG(QPoint, position));
+    }
+
+    static kelvosim::CameraSpec spec()
+    {
+        kelvosim::CameraSpec small = testcamera::small();
+        small.width = 96;
+        small.height = 80;
+        small.deviceId = 0;
+        small.factoryList = {{10, 10}, {20, 30}};
+        return small;
+    }
+
+    int rows() const { return driver->badpixelTable()->model()->rowCount(); }
+    QString cell(int row, int column) const { return WindowDriver::cell(driver->badpixelTable(), row, column); }
+    bool enabled(const char *action) const { return driver->action(action)->isEnabled(); }
+
+    std::unique_ptr<MainWindow> window;
+    std::unique_ptr<WindowDriver> driver;
+
+private:
+    static void addCamera(const QString &serial, kelvosim::SensorKind kind, bool storesLists)
+    {
+        kelvosim::CameraSpec camera = spec();
+        camera.serial = serial.toStdString();
+        camera.kind = kind;
+        camera.storesLists = storesLists;
+        kelvosim::addCamera(camera);
+    }
+};

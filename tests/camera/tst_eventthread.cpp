@@ -1,0 +1,242 @@
+// SPDX-License-Identifier: MIT
+// The event thread: its calls, its codes, its end, and frame events that never pile up.
+
+#include "eventthread.h"
+#include "kelvosim.h"
+#include "testcamera.h"
+
+#include <QSignalSpy>
+#include <QtTest>
+
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+namespace {
+
+constexpr int PoolSize = 200;
+
+QVector<int> received(const QSignalSpy &spy)
+{
+    QVector<int> codes;
+    for (const QList<QVariant> &arguments : spy)
+        codes << arguments.first().toInt();
+    return codes;
+}
+
+} // namespace
+
+class TestEventThread : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { kelvosim::reset(); }
+
+    void twoHundredThreadsHaveACodeAndTheNextHasNone();
+    void codesAreTakenAndReturnedLastInFirstOut();
+    void startRegistersEachEventAndItsOwnCodeThenEnablesAll();
+    void startReturnsMinusOneWhenAnEventCannotBeRegistered();
+    void startReturnsTheStatusWhenEnablingFails();
+    void eachSignalledEventIsEmitted();
+    void aFailingWaitEmitsNothingAndWaitsAgain();
+    void stopOnAThreadThatWasNeverStartedDoesNothing();
+    void stopEndsTheWaitAndDisablesTheEvents();
+    void destructionEndsTheThread();
+    void aSecondStartReplacesTheList();
+    void withoutHoldingBackEveryWaitIsEmitted();
+    void atMostOneHeldBackEventIsOnItsWay();
+    void otherEventsPassAHeldBackOne();
+};
+
+void TestEventThread::twoHundredThreadsHaveACodeAndTheNextHasNone()
+{
+    std::vector<std::unique_ptr<EventThread>> threads;
+    for (int i = 0; i < PoolSize; ++i)
+        threads.push_back(std::make_unique<EventThread>());
+    try {
+        EventThread oneTooMany;
+        QFAIL("the pool should be empty");
+    } catch (const std::runtime_error &failure) {
+        QCOMPARE(failure.what(), "Too many events :D");
+    }
+    threads.pop_back();
+    threads.push_back(std::make_unique<EventThread>());
+    QVERIFY_EXCEPTION_THROWN(EventThread(), std::runtime_error);
+}
+
+/// The code of a thread, read from the event that it registers last.
+static std::uint32_t codeOf(EventThread &thread)
+{
+    kelvosim::clearLog();
+    thread.start(0, {});
+    std::uint32_t code = 0;
+    for (const kelvosim::Call &call : kelvosim::log()) {
+        if (call.function == "vx_Event" && call.command == 1)
+            memcpy(&code, call.data.data(), sizeof code);
+    }
+    thread.stop();
+    thread.wait();
+    return code;
+}
+
+void TestEventThread::codesAreTakenAndReturnedLastInFirstOut()
+{
+    auto first = std::make_unique<EventThread>();
+    auto second = std::make_unique<EventThread>();
+    QCOMPARE(codeOf(*first), 10199u);
+    QCOMPARE(codeOf(*second), 10198u);
+    first.reset();
+    EventThread third;
+    QCOMPARE(codeOf(third), 10199u);
+}
+
+void TestEventThread::startRegistersEachEventAndItsOwnCodeThenEnablesAll()
+{
+    EventThread thread;
+    kelvosim::clearLog();
+    QCOMPARE(thread.start(0, {129, 130}), 0);
+    const QStringList expected{"vx_Event 1", "vx_Event 1", "vx_Event 1", "vx_Event 3"};
+    QCOMPARE(testcamera::calls(), expected);
+    const std::vector<kelvosim::Call> log = kelvosim::log();
+    QVector<std::uint32_t> enabled(3);
+    for (const kelvosim::Call &call : log) {
+        if (call.command == 1)
+            QCOMPARE(call.data.size(), std::size_t(12));
+        if (call.command == 3)
+            memcpy(enabled.data(), call.data.data(), 12);
+    }
+    QCOMPARE(enabled, (QVector<std::uint32_t>{129, 130, 10199}));
+}
+
+void TestEventThread::startReturnsMinusOneWhenAnEventCannotBeRegistered()
+{
+    EventThread thread;
+    kelvosim::clearLog();
+    kelvosim::failCall("vx_Event", 2, 17, "no event", 1);
+    QCOMPARE(thread.start(0, {129, 130}), -1);
+    QVERIFY(!thread.isRunning());
+    QCOMPARE(testcamera::calls(), (QStringList{"vx_Event 1", "vx_Event 1"}));
+}
+
+void TestEventThread::startReturnsTheStatusWhenEnablingFails()
+{
+    EventThread thread;
+    kelvosim::failCall("vx_Event", 1, 17, "no event", 3);
+    QCOMPARE(thread.start(0, {129, 130}), 17);
+    QVERIFY(!thread.isRunning());
+}
+
+void TestEventThread::eachSignalledEventIsEmitted()
+{
+    EventThread thread;
+    QSignalSpy spy(&thread, &EventThread::eventhappen);
+    thread.start(0, {129, 130});
+    kelvosim::signalDeviceEvent(130);
+    QTRY_COMPARE(received(spy), QVector<int>{130});
+    kelvosim::signalDeviceEvent(129);
+    QTRY_COMPARE(received(spy), (QVector<int>{130, 129}));
+}
+
+void TestEventThread::aFailingWaitEmitsNothingAndWaitsAgain()
+{
+    kelvosim::failCall("vx_Event", 1, 5, "no wait", 7);
+    EventThread thread;
+    QSignalSpy spy(&thread, &EventThread::eventhappen);
+    thread.start(0, {130});
+    kelvosim::signalDeviceEvent(130);
+    QTRY_COMPARE(received(spy), QVector<int>{130});
+}
+
+void TestEventThread::stopOnAThreadThatWasNeverStartedDoesNothing()
+{
+    EventThread thread;
+    kelvosim::clearLog();
+    thread.stop();
+    QVERIFY(testcamera::calls().isEmpty());
+}
+
+void TestEventThread::stopEndsTheWaitAndDisablesTheEvents()
+{
+    EventThread thread;
+    thread.start(0, {129, 130});
+    QTRY_COMPARE(kelvosim::waitingThreads(), 1);
+    kelvosim::clearLog();
+    thread.stop();
+    QVERIFY(thread.wait(5000));
+    QCOMPARE(testcamera::calls(), QStringList{"vx_Event 5"});
+    QCOMPARE(kelvosim::name(kelvosim::log().back()), std::string("vx_Event 2"));
+    QCOMPARE(kelvosim::enabledEvents(), 0);
+}
+
+void TestEventThread::destructionEndsTheThread()
+{
+    {
+        EventThread thread;
+        thread.start(0, {130});
+    }
+    QCOMPARE(kelvosim::waitingThreads(), 0);
+    QCOMPARE(kelvosim::enabledEvents(), 0);
+}
+
+void TestEventThread::aSecondStartReplacesTheList()
+{
+    EventThread thread;
+    QSignalSpy spy(&thread, &EventThread::eventhappen);
+    thread.start(0, {129});
+    thread.start(0, {130});
+    kelvosim::signalDeviceEvent(129);
+    kelvosim::signalDeviceEvent(130);
+    QTRY_COMPARE(received(spy), QVector<int>{130});
+}
+
+void TestEventThread::withoutHoldingBackEveryWaitIsEmitted()
+{
+    EventThread thread;
+    QSignalSpy spy(&thread, &EventThread::eventhappen);
+    thread.start(0, {2});
+    for (int i = 1; i <= 20; ++i) {
+        kelvosim::signalDeviceEvent(2);
+        QTRY_COMPARE(spy.count(), i);
+    }
+}
+
+void TestEventThread::atMostOneHeldBackEventIsOnItsWay()
+{
+    EventThread thread;
+    thread.holdBack(2);
+    QSignalSpy spy(&thread, &EventThread::eventhappen);
+    thread.start(0, {2, 8});
+    kelvosim::signalDeviceEvent(2);
+    QTRY_COMPARE(received(spy), QVector<int>{2});
+    // That one is on its way; ten more count as one further event.
+    for (int i = 1; i <= 10; ++i) {
+        kelvosim::signalDeviceEvent(2);
+        kelvosim::signalDeviceEvent(8); // emitted at once, so the waits before it have returned
+        QTRY_COMPARE(received(spy).count(8), i);
+    }
+    QCOMPARE(received(spy).count(2), 1);
+    thread.delivered(2);
+    QTRY_COMPARE(received(spy).count(2), 2);
+    thread.delivered(2);
+    QCoreApplication::processEvents();
+    QCOMPARE(received(spy).count(2), 2);
+    kelvosim::signalDeviceEvent(2);
+    QTRY_COMPARE(received(spy).count(2), 3);
+}
+
+void TestEventThread::otherEventsPassAHeldBackOne()
+{
+    EventThread thread;
+    thread.holdBack(2);
+    QSignalSpy spy(&thread, &EventThread::eventhappen);
+    thread.start(0, {2, 128});
+    kelvosim::signalDeviceEvent(2);
+    QTRY_COMPARE(received(spy), QVector<int>{2});
+    kelvosim::signalDeviceEvent(2);
+    kelvosim::signalDeviceEvent(128);
+    QTRY_COMPARE(received(spy), (QVector<int>{2, 128}));
+}
+
+QTEST_GUILESS_MAIN(TestEventThread)
+#include "tst_eventthread.moc"

@@ -1,0 +1,280 @@
+// SPDX-License-Identifier: MIT
+// The steps of the tour, one function each.
+
+#include "tour.h"
+
+#include "displaywidget.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QDockWidget>
+#include <QItemSelectionModel>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTableView>
+
+#include <algorithm>
+#include <cstdio>
+#include <set>
+#include <stdexcept>
+#include <utility>
+
+namespace {
+
+const std::string Serial = "KV00001280";
+constexpr int SensorWidth = 1280;
+constexpr int SensorHeight = 1024;
+constexpr int Threshold = 40; // what the dialogue starts with
+
+using Position = std::pair<int, int>;
+
+std::set<Position> listedPositions(const QTableView *table)
+{
+    std::set<Position> listed;
+    for (int row = 0; row < table->model()->rowCount(); ++row)
+        listed.insert({WindowDriver::cell(table, row, 0).toInt(), WindowDriver::cell(table, row, 1).toInt()});
+    return listed;
+}
+
+kelvosim::CameraSpec camera(const std::string &serial, const std::string &model, kelvosim::SensorKind kind,
+                            int width, int height)
+{
+    kelvosim::CameraSpec spec;
+    spec.serial = serial;
+    spec.model = model;
+    spec.kind = kind;
+    spec.width = width;
+    spec.height = height;
+    return spec;
+}
+
+} // namespace
+
+Tour::Tour(const QString &pictureFolder) : folder(pictureFolder)
+{
+    if (!folder.mkpath("."))
+        throw std::runtime_error("cannot make the folder " + pictureFolder.toStdString());
+    setUpBench(storage.path());
+    window = std::make_unique<MainWindow>();
+    driver = std::make_unique<WindowDriver>(*window);
+    window->show();
+}
+
+void Tour::setUpBench(const QString &storageFolder)
+{
+    using kelvosim::SensorKind;
+    kelvosim::reset();
+    kelvosim::setLogging(false);
+    kelvosim::setStorageFolder(storageFolder.toStdString());
+    kelvosim::addCamera(camera(Serial, "KV-1280M", SensorKind::Mono, SensorWidth, SensorHeight));
+    kelvosim::addCamera(camera("KV00002592", "KV-2592C", SensorKind::RawBayer, 2592, 1944));
+    kelvosim::CameraSpec plain = camera("KV00000752", "KV-752", SensorKind::Mono, 752, 480);
+    plain.storesLists = false;
+    kelvosim::addCamera(plain);
+}
+
+bool Tour::play()
+{
+    listCameras();
+    openCamera();
+    coverSensor();
+    detect();
+    compareWithTruth();
+    reviewEntry();
+    addAndDelete();
+    writeList();
+    closeAndReopen();
+    switchCorrection();
+    tell(failures ? QString("%1 steps did not show what they should").arg(failures) : "every step showed what it should");
+    return failures == 0;
+}
+
+void Tour::check(bool holds, const QString &what)
+{
+    std::printf("   %s %s\n", holds ? "ok " : "BAD", qPrintable(what));
+    if (!holds)
+        ++failures;
+}
+
+void Tour::tell(const QString &text) const
+{
+    std::printf("%s\n", qPrintable(text));
+    std::fflush(stdout);
+}
+
+void Tour::takePicture(const QString &name)
+{
+    const QString file = QString("%1-%2.png").arg(++pictures, 2, 10, QLatin1Char('0')).arg(name);
+    check(driver->picture().save(folder.filePath(file)), "picture " + file);
+}
+
+bool Tour::waitForFrames(int count) const
+{
+    const std::uint64_t wanted = kelvosim::completedFrames(Serial) + static_cast<std::uint64_t>(count);
+    return WindowDriver::waitFor([=] { return kelvosim::completedFrames(Serial) >= wanted; });
+}
+
+/// The grey value that the view shows for an image pixel at 1:1.
+int Tour::greyAt(const kelvosim::Pixel &pixel) const
+{
+    const auto *label = qobject_cast<const QLabel *>(driver->display()->widget());
+    return qGray(label->pixmap()->toImage().pixel(pixel.x, pixel.y));
+}
+
+void Tour::listCameras()
+{
+    tell("The camera list shows the attached cameras.");
+    check(WindowDriver::waitFor([this] { return driver->cameraTable()->model()->rowCount() == 3; }),
+          "three cameras are listed");
+    driver->cameraTable()->resizeColumnsToContents();
+    takePicture("camera-list");
+}
+
+void Tour::openCamera()
+{
+    tell("Opening the mono camera.");
+    check(driver->selectCamera(QString::fromStdString(Serial)), "the camera is listed");
+    driver->trigger("openCameraAction");
+    check(waitForFrames(5), "live frames arrive");
+    check(WindowDriver::waitFor([this] { return driver->cameraStatus(QString::fromStdString(Serial)) == "opened"; }),
+          "the list shows it as opened");
+    takePicture("live");
+}
+
+void Tour::coverSensor()
+{
+    tell("The lens cap goes on.");
+    kelvosim::setLensCap(Serial, true);
+    check(waitForFrames(4), "dark frames arrive");
+    takePicture("covered");
+}
+
+void Tour::detect()
+{
+    tell("Running a detection.");
+    if (auto *dock = window->findChild<QDockWidget *>("BadpixelListDock"))
+        dock->raise();
+    WindowDriver::whenModal([this](QWidget *dialogue) { watchDetection(dialogue); });
+    driver->trigger("detectAction");
+}
+
+void Tour::watchDetection(QWidget *dialogue)
+{
+    takePicture("detection-dialogue");
+    const auto *buttons = dialogue->findChild<QDialogButtonBox *>();
+    const auto *progress = dialogue->findChild<QProgressBar *>();
+    buttons->button(QDialogButtonBox::Ok)->click();
+    check(WindowDriver::waitFor([=] { return progress->value() >= 50; }), "the progress bar moves");
+    takePicture("capturing");
+    check(WindowDriver::waitFor([=] { return buttons->isEnabled(); }), "the run ends");
+    check(dialogue->isVisible(), "the dialogue stays open");
+    takePicture("detected");
+    buttons->button(QDialogButtonBox::Close)->click();
+}
+
+/// What the sensor model planted against what the list shows. Pixels close to the threshold count neither way,
+/// nor do the last rows, which the detector's walk does not reach.
+void Tour::compareWithTruth()
+{
+    const std::set<Position> listed = listedPositions(driver->badpixelTable());
+    const double exposure = kelvosim::exposureTime(Serial);
+    std::set<Position> planted;
+    int found = 0;
+    int missed = 0;
+    for (const kelvosim::HotPixel &hot : kelvosim::plantedHotPixels(Serial)) {
+        const Position position(hot.at.x, hot.at.y);
+        planted.insert(position);
+        const bool isListed = listed.count(position) > 0;
+        found += isListed;
+        missed += !isListed && hot.rate * exposure > Threshold + 3 && hot.at.y < SensorHeight - 2;
+    }
+    const auto wrong = std::count_if(listed.begin(), listed.end(),
+                                     [&](const Position &position) { return !planted.count(position); });
+    tell(QString("   planted %1, found %2, missed above the threshold %3, false %4")
+             .arg(planted.size())
+             .arg(found)
+             .arg(missed)
+             .arg(wrong));
+    check(found > 0, "hot pixels are found");
+    check(missed == 0, "none above the threshold is missed");
+    check(wrong == 0, "none is false");
+    takePicture("circles");
+}
+
+void Tour::reviewEntry()
+{
+    tell("Looking at one entry at 2:1.");
+    driver->trigger("zoom2to1Action");
+    waitForFrames(2);
+    driver->badpixelTable()->selectRow(driver->badpixelTable()->model()->rowCount() - 1);
+    check(driver->action("deleteBadpixelAction")->isEnabled(), "the user's own entry can be deleted");
+    waitForFrames(2);
+    takePicture("entry");
+    driver->trigger("zoom1to1Action");
+    waitForFrames(2);
+}
+
+void Tour::addAndDelete()
+{
+    tell("Adding an entry by hand and deleting another.");
+    const QAbstractItemModel *list = driver->badpixelTable()->model();
+    const int before = list->rowCount();
+    driver->clickPixel(QPoint(300, 200));
+    driver->trigger("addBadpixelAction");
+    check(list->rowCount() == before + 1, "an entry is added by hand");
+    check(listedPositions(driver->badpixelTable()).count({300, 200}) == 1, "it stands where the click was");
+    driver->badpixelTable()->selectRow(before - 1);
+    driver->trigger("deleteBadpixelAction");
+    check(list->rowCount() == before, "another one is deleted");
+    waitForFrames(2);
+    takePicture("added-and-deleted");
+}
+
+void Tour::writeList()
+{
+    tell("Writing the list into the camera.");
+    WindowDriver::whenModal([this](QWidget *modal) {
+        takePicture("confirmation");
+        qobject_cast<QMessageBox *>(modal)->button(QMessageBox::Yes)->click();
+    });
+    driver->trigger("writeListAction");
+    check(!kelvosim::storedUserList(Serial).empty(), "the camera holds the list");
+    tell(QString("   the camera holds %1 user entries").arg(kelvosim::storedUserList(Serial).size()));
+}
+
+void Tour::closeAndReopen()
+{
+    tell("Closing the camera and opening it again.");
+    const std::set<Position> written = listedPositions(driver->badpixelTable());
+    driver->trigger("closeCameraAction");
+    check(driver->badpixelTable()->model()->rowCount() == 0, "closing empties the list");
+    takePicture("closed");
+    WindowDriver::waitFor([this] { return driver->cameraStatus(QString::fromStdString(Serial)) == "free"; });
+    driver->trigger("openCameraAction");
+    check(waitForFrames(3), "live frames arrive again");
+    check(listedPositions(driver->badpixelTable()) == written, "the written list is found in the camera");
+    takePicture("reopened");
+}
+
+void Tour::switchCorrection()
+{
+    tell("Switching the camera's own correction on.");
+    WindowDriver::waitFor([this] { return driver->action("correctionAction")->isEnabled(); });
+    driver->action("highlightAction")->setChecked(false);
+    const kelvosim::Pixel pixel = kelvosim::storedUserList(Serial).front();
+    waitForFrames(3);
+    const int before = greyAt(pixel);
+    takePicture("uncorrected");
+    driver->trigger("correctionAction");
+    waitForFrames(4);
+    WindowDriver::waitFor([&] { return greyAt(pixel) < before / 2; }, 3000);
+    const int after = greyAt(pixel);
+    tell(QString("   pixel (%1, %2) reads %3 before and %4 after").arg(pixel.x).arg(pixel.y).arg(before).arg(after));
+    check(after < before / 2, "a listed pixel vanishes from the image");
+    kelvosim::setLensCap(Serial, false);
+    waitForFrames(4);
+    takePicture("corrected");
+    driver->trigger("closeCameraAction");
+}
