@@ -158,7 +158,8 @@ KELVOSIM_API void failCall(const std::string &function, int nth, std::int32_t st
 
 /// Makes the n-th vx_ call of any function from now on fail, and all after it when `andAllAfter`.
 /// vx_GetError and vx_ExitCamera are neither counted nor failed.
-KELVOSIM_API void failNthCall(std::uint64_t n, bool andAllAfter, std::int32_t status, const std::string &text);
+KELVOSIM_API void failNthCall(std::uint64_t n, bool andAllAfter, std::int32_t status,
+                              const std::string &text);
 
 /// Makes vx_GetError itself fail (true) or tell again (false).
 KELVOSIM_API void failGetError(bool fails);
@@ -170,6 +171,9 @@ KELVOSIM_API void delayCall(const std::string &function, int milliseconds, std::
 KELVOSIM_API void blockCall(const std::string &function, std::int64_t command = AnyCommand);
 KELVOSIM_API void releaseCalls();
 
+/// Number of calls that are blocked just now.
+KELVOSIM_API int blockedCalls();
+
 /// Takes every fault, delay and block back.
 KELVOSIM_API void clearFaults();
 
@@ -178,15 +182,15 @@ KELVOSIM_API void clearFaults();
 /// One call of the library. Calls are logged when they begin; the result follows when they return.
 struct Call
 {
-    std::string function;                 ///< "vx_Event"
-    std::uint32_t handle = 0;             ///< the handle argument as passed (vx_InitCamera: the variable on entry)
-    std::int64_t command = AnyCommand;    ///< as for failCall(); AnyCommand where a function has none
-    std::string arguments;                ///< the remaining arguments, readable
-    std::vector<double> numbers;          ///< the numeric input arguments after handle and command, in order
-    std::vector<std::uint8_t> data;       ///< bytes passed in through a data pointer (lists, codes, records)
+    std::string function;     ///< "vx_Event"
+    std::uint32_t handle = 0; ///< the handle argument as passed (vx_InitCamera: the variable on entry)
+    std::int64_t command = AnyCommand; ///< as for failCall(); AnyCommand where a function has none
+    std::string arguments;             ///< the remaining arguments, readable
+    std::vector<double> numbers;       ///< the numeric input arguments after handle and command, in order
+    std::vector<std::uint8_t> data;    ///< bytes passed in through a data pointer (lists, codes, records)
     std::int32_t result = 0;
     bool returned = false;
-    std::uint64_t thread = 0;             ///< same number, same thread
+    std::uint64_t thread = 0; ///< same number, same thread
 };
 
 /// All calls since the last clearLog(), in the order in which they began.

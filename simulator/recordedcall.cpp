@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+// Describing calls for the log.
+
+#include "recordedcall.h"
+
+#include <cstdio>
+
+namespace kelvosim {
+
+namespace {
+
+std::string readable(double value)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%.10g", value);
+    return text;
+}
+
+} // namespace
+
+RecordedCall::RecordedCall(const char *function, std::uint32_t handle, std::int64_t command)
+    : logged(Library::instance().log.isOn())
+{
+    call.function = function;
+    call.handle = handle;
+    call.command = command;
+}
+
+RecordedCall &RecordedCall::number(double value)
+{
+    if (logged) {
+        call.numbers.push_back(value);
+        text(readable(value));
+    }
+    return *this;
+}
+
+RecordedCall &RecordedCall::text(const std::string &argument)
+{
+    if (logged)
+        call.arguments += (call.arguments.empty() ? "" : ", ") + argument;
+    return *this;
+}
+
+RecordedCall &RecordedCall::data(const void *bytes, std::size_t size)
+{
+    if (logged && bytes && size > 0) {
+        const auto *const first = static_cast<const std::uint8_t *>(bytes);
+        call.data.assign(first, first + size);
+    }
+    return *this;
+}
+
+CallLog::Ticket RecordedCall::begin()
+{
+    return logged ? Library::instance().log.begin(call) : CallLog::Ticket();
+}
+
+std::optional<Faults::Fault> RecordedCall::fault() const
+{
+    return Library::instance().faults.meet(call.function, call.command);
+}
+
+std::int32_t RecordedCall::fail(std::int32_t status, const std::string &text) const
+{
+    Library::instance().errors.note(call.handle, status, text);
+    return status;
+}
+
+} // namespace kelvosim
