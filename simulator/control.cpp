@@ -94,6 +94,12 @@ std::uint64_t completedFrames(const std::string &serial)
     return camera ? camera->completedFrames() : 0;
 }
 
+double exposureTime(const std::string &serial)
+{
+    const auto camera = library().openCamera(serial);
+    return camera ? camera->timing().exposure() : 0.0;
+}
+
 std::vector<HotPixel> plantedHotPixels(const std::string &serial)
 {
     return library().plantedHotPixels(serial);

@@ -119,6 +119,9 @@ KELVOSIM_API void overrideFrameRate(const std::string &serial, double framesPerS
 /// Number of frames completed since the camera was opened.
 KELVOSIM_API std::uint64_t completedFrames(const std::string &serial);
 
+/// The exposure that is set on the open camera, in milliseconds; 0 while it is not open.
+KELVOSIM_API double exposureTime(const std::string &serial);
+
 /// The hot pixels that the sensor model planted, strongest first.
 KELVOSIM_API std::vector<HotPixel> plantedHotPixels(const std::string &serial);
 
