@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: MIT
+// The dialogue from which the user starts detection runs and watches them.
+#include "detectiondialogue.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QEventLoop>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int MinimumWidth = 400;
+
+const Qt::WindowFlags ReadyFlags = Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint;
+const Qt::WindowFlags CapturingFlags = Qt::Dialog | Qt::WindowTitleHint | Qt::CustomizeWindowHint;
+
+} // namespace
+
+DetectionDialogue::DetectionDialogue(QWidget *parent)
+    : QDialog(parent, ReadyFlags)
+{
+    setWindowTitle(tr("Hot pixel detection"));
+    setMinimumWidth(MinimumWidth);
+    setModal(true);
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(new QLabel(tr("Cover the sensor completely during capturing!\n")));
+    layout->addWidget(createPreferences());
+    layout->addWidget(createProgress());
+    layout->addWidget(createButtons());
+}
+
+/// A loop of its own: that of QDialog would end, and the modality with it, at each change of the flags.
+int DetectionDialogue::exec()
+{
+    closed = false;
+    setResult(Rejected);
+    show();
+    const QPointer<DetectionDialogue> self(this);
+    QEventLoop loop;
+    connect(this, &QDialog::finished, &loop, &QEventLoop::quit);
+    connect(this, &QObject::destroyed, &loop, &QEventLoop::quit);
+    loop.exec(QEventLoop::DialogExec);
+    return self ? result() : Rejected;
+}
+
+void DetectionDialogue::showError(QString text)
+{
+    messageLabel->setText(text);
+    countLabel->setText(tr("Hot pixel detected: -"));
+}
+
+void DetectionDialogue::done(int result)
+{
+    closed = true;
+    QDialog::done(result);
+}
+
+void DetectionDialogue::updateProgress(int percent)
+{
+    progressBar->setValue(percent);
+}
+
+void DetectionDialogue::finishDetect()
+{
+    changeFlags(ReadyFlags);
+    enableControls(true);
+    statusLabel->clear();
+    if (focusBeforeRun)
+        focusBeforeRun->setFocus();
+}
+
+void DetectionDialogue::abortDetect()
+{
+    finishDetect();
+    progressBar->setValue(0);
+}
+
+void DetectionDialogue::addDetectedPixel(int count)
+{
+    if (closed)
+        return;
+    detectedCount += count;
+    countLabel->setText(QStringLiteral("Hot pixel detected: %1").arg(detectedCount));
+}
+
+void DetectionDialogue::detect()
+{
+    focusBeforeRun = focusWidget();
+    changeFlags(CapturingFlags);
+    enableControls(false);
+    statusLabel->setText(tr("Please Wait..."));
+    countLabel->setText(tr("Hot pixel detected: 0"));
+    messageLabel->clear();
+    detectedCount = 0;
+    emit startDetect(clearBox->isChecked(), threshold.spinBox()->value());
+}
+
+QGroupBox *DetectionDialogue::createPreferences()
+{
+    CameraParameter<int> range{5, 255, 1, 40}; // grey values of the 8-bit frames
+    threshold.setText(tr("Threshold"));
+    threshold.setParam(range);
+    clearBox = new QCheckBox(tr("Clear old hot pixel list"));
+    auto *box = new QGroupBox(tr("Preferences"));
+    auto *layout = new QVBoxLayout(box);
+    auto *row = new QHBoxLayout;
+    row->addWidget(threshold.label());
+    row->addWidget(threshold.slider());
+    row->addWidget(threshold.spinBox());
+    layout->addLayout(row);
+    layout->addWidget(clearBox);
+    return box;
+}
+
+QGroupBox *DetectionDialogue::createProgress()
+{
+    statusLabel = new QLabel;
+    progressBar = new QProgressBar;
+    countLabel = new QLabel(tr("Hot pixel detected: 0"));
+    messageLabel = new QLabel;
+    auto *box = new QGroupBox(tr("Detection"));
+    auto *layout = new QVBoxLayout(box);
+    layout->addWidget(statusLabel);
+    layout->addWidget(progressBar);
+    layout->addWidget(countLabel);
+    layout->addWidget(messageLabel);
+    return box;
+}
+
+QDialogButtonBox *DetectionDialogue::createButtons()
+{
+    buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Close);
+    buttons->button(QDialogButtonBox::Ok)->setText("Start");
+    connect(buttons, &QDialogButtonBox::accepted, this, &DetectionDialogue::detect);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    return buttons;
+}
+
+void DetectionDialogue::enableControls(bool enable)
+{
+    buttons->setEnabled(enable);
+    clearBox->setEnabled(enable);
+    threshold.setEnabled(enable);
+}
+
+/// Changing the flags hides the window: what is open is shown again, where it was, and in front if it was.
+void DetectionDialogue::changeFlags(Qt::WindowFlags flags)
+{
+    const bool wasOpen = isVisible() && !closed;
+    const bool wasActive = isActiveWindow();
+    setWindowFlags(flags);
+    if (!wasOpen)
+        return;
+    show();
+    if (wasActive)
+        activateWindow();
+}
