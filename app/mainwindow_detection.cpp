@@ -18,9 +18,10 @@ constexpr int TooManyBrightBytes = 5001;
 /// A covered sensor has few bright bytes; many mean that light falls in.
 bool leaksLight(const QImage &frame)
 {
+    const std::size_t count = static_cast<std::size_t>(frame.bytesPerLine()) * static_cast<std::size_t>(frame.height());
     const uchar *bytes = frame.constBits();
     int bright = 0;
-    for (int i = 0; i < frame.byteCount(); ++i) {
+    for (std::size_t i = 0; i < count; ++i) {
         if (bytes[i] >= BrightLevel && ++bright == TooManyBrightBytes)
             return true;
     }

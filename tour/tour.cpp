@@ -3,14 +3,12 @@
 
 #include "tour.h"
 
-#include "displaywidget.h"
-
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QDockWidget>
 #include <QItemSelectionModel>
-#include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTableView>
@@ -119,8 +117,7 @@ bool Tour::waitForFrames(int count) const
 /// The grey value that the view shows for an image pixel at 1:1.
 int Tour::greyAt(const kelvosim::Pixel &pixel) const
 {
-    const auto *label = qobject_cast<const QLabel *>(driver->display()->widget());
-    return qGray(label->pixmap()->toImage().pixel(pixel.x, pixel.y));
+    return qGray(driver->shownImage().pixel(pixel.x, pixel.y));
 }
 
 void Tour::listCameras()

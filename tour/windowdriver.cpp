@@ -6,9 +6,11 @@
 #include "displaywidget.h"
 #include "mainwindow.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -16,7 +18,6 @@
 #include <QTableView>
 #include <QTimer>
 
-#include <memory>
 
 namespace {
 
@@ -82,6 +83,11 @@ DisplayWidget *WindowDriver::display() const
 QString WindowDriver::message() const
 {
     return window.statusBar()->currentMessage();
+}
+
+QImage WindowDriver::shownImage() const
+{
+    return qobject_cast<const QLabel *>(display()->widget())->pixmap(Qt::ReturnByValue).toImage();
 }
 
 QString WindowDriver::cell(const QTableView *table, int row, int column)

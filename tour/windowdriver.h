@@ -2,6 +2,7 @@
 // Drives the real main window as a person does: actions, table rows, clicks on the image, dialogue answers.
 #pragma once
 
+#include <QImage>
 #include <QMessageBox>
 #include <QPixmap>
 #include <QString>
@@ -29,6 +30,7 @@ public:
     QTableView *badpixelTable() const;
     DisplayWidget *display() const;
     QString message() const; ///< of the status bar
+    QImage shownImage() const; ///< what the view shows, in view pixels; null when it shows nothing
 
     /// The text of a cell of the camera table or of the hot pixel table.
     static QString cell(const QTableView *table, int row, int column);

@@ -8,6 +8,7 @@
 
 #include <QDockWidget>
 #include <QHeaderView>
+#include <QLayout>
 #include <QMenuBar>
 #include <QSignalSpy>
 #include <QStatusBar>

@@ -7,6 +7,7 @@
 #include "testcamera.h"
 #include "windowdriver.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QItemSelectionModel>
 #include <QTableView>
