@@ -75,7 +75,7 @@ void Library::reset()
 std::int32_t Library::cameraCount() const
 {
     const Lock lock(mutex);
-    return forcedNumber >= 0 ? forcedNumber : static_cast<std::int32_t>(attachedDevices().size());
+    return forcedNumber != -1 ? forcedNumber : static_cast<std::int32_t>(attachedDevices().size());
 }
 
 void Library::writeCameraList(std::uint8_t *list) const
