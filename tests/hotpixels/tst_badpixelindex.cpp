@@ -14,6 +14,7 @@ private slots:
     void followsAGrowingList();
     void findsMovedRowsOnceToldToForget();
     void ignoredPlacesAreNotTaken();
+    void takenPlacesStayTakenByLaterRows();
     void keepsCoordinatesApart();
 };
 
@@ -71,6 +72,13 @@ void TestBadpixelIndex::ignoredPlacesAreNotTaken()
     index.follow(entries);
     QVERIFY(index.isTaken(1, 1));
     QCOMPARE(index.firstRow(1, 1), 0);
+}
+
+void TestBadpixelIndex::takenPlacesStayTakenByLaterRows()
+{
+    BadpixelIndex index;
+    index.follow({{1, 1, User}, {1, 1, Ignore}});
+    QVERIFY(index.isTaken(1, 1));
 }
 
 void TestBadpixelIndex::keepsCoordinatesApart()
