@@ -35,6 +35,7 @@ MainWindow::MainWindow(QWidget *parent)
     cameraListDock->raise();
     cameraList.updateList();
     setImageVisible(false);
+    cameraTable->resizeColumnsToContents(); // once more, now that there are rows
 }
 
 MainWindow::~MainWindow()

@@ -11,6 +11,7 @@
 #include <QItemSelection>
 #include <QMainWindow>
 #include <QPointer>
+#include <QTableView>
 #include <QVector>
 
 #include <memory>
@@ -21,7 +22,6 @@ class QDockWidget;
 class QItemSelectionModel;
 class QMenu;
 class QScrollBar;
-class QTableView;
 
 namespace Ui {
 class MainWindow;
@@ -104,6 +104,7 @@ private:
     CameraEntry selectedCamera() const;
     void openSelectedCamera(const CameraEntry &entry);
     void checkCorrectionSupport();
+    void selectCameraRow(int row);
     void setImageVisible(bool visible);
 
     // hot pixels and view
@@ -151,11 +152,11 @@ private:
     QAction *showBadpixelListAction = nullptr;
     QMenu *zoomMenu = nullptr;
 
-    // A dock may be destroyed before the window is.
+    // A dock, and the table in it, may be destroyed before the window is.
     QPointer<QDockWidget> cameraListDock;
     QPointer<QDockWidget> badpixelListDock;
-    QTableView *cameraTable = nullptr;
-    QTableView *badpixelTable = nullptr;
+    QPointer<QTableView> cameraTable;
+    QPointer<QTableView> badpixelTable;
     QItemSelectionModel *cameraSelection = nullptr;
     QItemSelectionModel *badpixelSelection = nullptr;
 

@@ -7,7 +7,6 @@
 
 #include <QItemSelectionModel>
 #include <QMessageBox>
-#include <QTableView>
 
 namespace {
 
@@ -93,7 +92,7 @@ void MainWindow::onCameraReconnect()
     for (int row = 0; row < cameraList.rowCount(); ++row) {
         // The last match stays selected. A camera that is back shows "in use" until the next refresh.
         if (cameraList.data(cameraList.index(row, StatusColumn)).toString() == "in use")
-            cameraTable->selectRow(row);
+            selectCameraRow(row);
     }
     setImageVisible(true);
 }
@@ -101,6 +100,12 @@ void MainWindow::onCameraReconnect()
 void MainWindow::onSelectCameraRow(int row)
 {
     if (cameraSelection->selection().isEmpty())
+        selectCameraRow(row);
+}
+
+void MainWindow::selectCameraRow(int row)
+{
+    if (cameraTable)
         cameraTable->selectRow(row);
 }
 

@@ -8,7 +8,6 @@
 #include <QDockWidget>
 #include <QHeaderView>
 #include <QMenu>
-#include <QTableView>
 
 QDockWidget *MainWindow::createListDock(const QString &title, const char *name, QTableView *table)
 {
@@ -43,6 +42,7 @@ void MainWindow::createCameraListDock()
     cameraTable->horizontalHeader()->setStretchLastSection(true);
     cameraTable->resizeColumnsToContents();
     cameraTable->setContextMenuPolicy(Qt::CustomContextMenu);
+    cameraTable->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContentsOnFirstShow);
     connect(cameraTable, &QTableView::customContextMenuRequested, this, &MainWindow::showCameraListContextMenu);
     connect(cameraTable, &QTableView::doubleClicked, this, &MainWindow::openCamera);
     cameraListDock = createListDock(tr("Camera list"), "CameraListDock", cameraTable);
@@ -65,6 +65,7 @@ void MainWindow::createBadpixelListDock()
     badpixelTable->horizontalHeader()->setHighlightSections(false);
     badpixelTable->verticalHeader()->hide();
     badpixelTable->horizontalHeader()->setStretchLastSection(true);
+    badpixelTable->setTextElideMode(Qt::ElideNone); // four digits just fit
     connect(badpixelTable, &QTableView::customContextMenuRequested, this,
             &MainWindow::showBadpixelListContextMenu);
     badpixelListDock = createListDock(tr("Hot pixel list"), "BadpixelListDock", badpixelTable);

@@ -7,7 +7,6 @@
 
 #include <QItemSelectionModel>
 #include <QScrollBar>
-#include <QTableView>
 
 #include <limits>
 
@@ -61,7 +60,8 @@ void MainWindow::setSelection(QModelIndex topLeft, QModelIndex)
         const Badpixel entry = badpixelList.badpixel(topLeft.row());
         setMagnifierPosition(QPoint(entry.x, entry.y));
         scrollToEntry(entry);
-        badpixelTable->scrollTo(topLeft);
+        if (badpixelTable)
+            badpixelTable->scrollTo(topLeft);
         // Kept: everything that is not the user's own counts as the factory's.
         const QString owner = entry.pixelclass == User ? "user" : "factory";
         deleteBadpixelAction->setEnabled(owner.compare("factory", Qt::CaseSensitive) != 0);

@@ -115,8 +115,8 @@ void WindowDriver::clickPixel(const QPoint &pixel) const
     const QAction *zoom = action("zoomAction");
     const QStringList ratio = zoom->text().split(':');
     const double scale = ratio.at(0).toDouble() / ratio.at(1).toDouble();
-    const QPointF inLabel((pixel.x() + 0.5) * scale, (pixel.y() + 0.5) * scale);
-    const QPointF inView = inLabel + label->pos();
+    const QPoint inLabel(static_cast<int>((pixel.x() + 0.5) * scale), static_cast<int>((pixel.y() + 0.5) * scale));
+    const QPoint inView = inLabel + label->pos();
     for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
         const bool press = type == QEvent::MouseButtonPress;
         QMouseEvent event(type, inView, Qt::LeftButton, press ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
