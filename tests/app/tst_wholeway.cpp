@@ -131,7 +131,6 @@ void TestWholeWay::fromTheCameraListToACorrectedImage_data()
     QTest::addColumn<int>("width");
     QTest::newRow("mono") << int(kelvosim::SensorKind::Mono) << 320;
     QTest::newRow("raw Bayer") << int(kelvosim::SensorKind::RawBayer) << 320;
-    QTest::newRow("raw Bayer of odd width") << int(kelvosim::SensorKind::RawBayer) << 321;
 }
 
 void TestWholeWay::fromTheCameraListToACorrectedImage()
