@@ -78,7 +78,7 @@ void appendUtf8(std::string &text, std::uint32_t c)
         return;
     }
     const int following = c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
-    put((0xF00u >> following & 0xFFu) | c >> (6 * following));
+    put((0xFF00u >> (following + 1) & 0xFFu) | c >> (6 * following));
     for (int i = following - 1; i >= 0; --i)
         put(0x80u | (c >> (6 * i) & 0x3Fu));
 }
