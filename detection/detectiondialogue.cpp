@@ -4,13 +4,13 @@
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
-#include <QEventLoop>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <QWindow>
 
 namespace {
 
@@ -32,20 +32,6 @@ DetectionDialogue::DetectionDialogue(QWidget *parent)
     layout->addWidget(createPreferences());
     layout->addWidget(createProgress());
     layout->addWidget(createButtons());
-}
-
-/// A loop of its own: that of QDialog would end, and the modality with it, at each change of the flags.
-int DetectionDialogue::exec()
-{
-    closed = false;
-    setResult(Rejected);
-    show();
-    const QPointer<DetectionDialogue> self(this);
-    QEventLoop loop;
-    connect(this, &QDialog::finished, &loop, &QEventLoop::quit);
-    connect(this, &QObject::destroyed, &loop, &QEventLoop::quit);
-    loop.exec(QEventLoop::DialogExec);
-    return self ? result() : Rejected;
 }
 
 void DetectionDialogue::showError(QString text)
@@ -86,6 +72,12 @@ void DetectionDialogue::addDetectedPixel(int count)
         return;
     detectedCount += count;
     countLabel->setText(QStringLiteral("Hot pixel detected: %1").arg(detectedCount));
+}
+
+void DetectionDialogue::showEvent(QShowEvent *event)
+{
+    closed = false;
+    QDialog::showEvent(event);
 }
 
 void DetectionDialogue::detect()
@@ -148,15 +140,11 @@ void DetectionDialogue::enableControls(bool enable)
     threshold.setEnabled(enable);
 }
 
-/// Changing the flags hides the window: what is open is shown again, where it was, and in front if it was.
+/// Tells the window system directly: setWindowFlags() would hide the window, which ends exec() and the
+/// modality, takes the keyboard away and lets some window managers place it anew.
 void DetectionDialogue::changeFlags(Qt::WindowFlags flags)
 {
-    const bool wasOpen = isVisible() && !closed;
-    const bool wasActive = isActiveWindow();
-    setWindowFlags(flags);
-    if (!wasOpen)
-        return;
-    show();
-    if (wasActive)
-        activateWindow();
+    overrideWindowFlags(flags);
+    if (windowHandle())
+        windowHandle()->setFlags(flags);
 }

@@ -24,9 +24,6 @@ class DetectionDialogue final : public QDialog
 public:
     explicit DetectionDialogue(QWidget *parent = nullptr);
 
-    /// Shows the dialogue and returns its result code when it was closed (0 when it was destroyed).
-    int exec() override;
-
     /// Shows why a run failed; a closed dialogue stays closed, as with the slots below.
     void showError(QString text);
 
@@ -48,6 +45,9 @@ public slots:
 signals:
     /// A run was started: whether the user entries go first, and the threshold in grey values.
     void startDetect(bool clear, int threshold);
+
+protected:
+    void showEvent(QShowEvent *event) override;
 
 private slots:
     void detect();
