@@ -60,6 +60,8 @@ function(speckmend_test_on_x11 test)
   endif()
   add_test(NAME ${test} COMMAND ${XVFB_RUN} -a -s "-screen 0 1600x1000x24" $<TARGET_FILE:${program}> ${TEST_COMMAND})
   speckmend_test_environment(${test})
-  set_property(TEST ${test} APPEND PROPERTY ENVIRONMENT "QT_QPA_PLATFORM=xcb")
+  # The platform plug-in is unloaded before the leak check, so what it leaks has no name that a suppression
+  # could give. Leaks of ours show without a display, where the same programs and the same way run.
+  set_property(TEST ${test} APPEND PROPERTY ENVIRONMENT "QT_QPA_PLATFORM=xcb" "ASAN_OPTIONS=detect_leaks=0")
   set_tests_properties(${test} PROPERTIES TIMEOUT 300 LABELS "x11")
 endfunction()

@@ -318,7 +318,7 @@ void TestCamera::theImageWrapsTheBufferWithoutACopy()
     QTRY_VERIFY(seen);
     char *last = nullptr;
     QCOMPARE(vx_GetActSeqBuf(camera.handle(), nullptr, nullptr, &last), 0);
-    QCOMPARE(reinterpret_cast<const char *>(seen), static_cast<const char *>(last));
+    QVERIFY(static_cast<const void *>(seen) == last);
 }
 
 void TestCamera::imageFormatsFollowTheSensor_data()
