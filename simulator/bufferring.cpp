@@ -60,7 +60,7 @@ BufferPointer BufferRing::find(const char *memory) const
 
 BufferPointer BufferRing::find(const char *memory, std::int32_t id) const
 {
-    const BufferPointer buffer = find(memory);
+    BufferPointer buffer = find(memory);
     if (buffer->id != id)
         throw unknownBuffer();
     return buffer;

@@ -20,7 +20,13 @@ struct FrameView
     std::size_t lineLength = 0; ///< bytes
 
     std::uint8_t *line(int y) const { return data + lineLength * static_cast<std::size_t>(y); }
-    std::uint8_t *at(int x, int y) const { return line(y) + x * bytesPerPixel; }
+    std::uint8_t *at(int x, int y) const { return line(y) + static_cast<std::ptrdiff_t>(x) * bytesPerPixel; }
+
+    /// Bytes of the pixels of a line.
+    std::size_t rowLength() const
+    {
+        return static_cast<std::size_t>(width) * static_cast<std::size_t>(bytesPerPixel);
+    }
 };
 
 inline int bytesPerPixel(SensorKind kind)

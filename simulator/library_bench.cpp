@@ -184,7 +184,7 @@ Library::DevicePointer Library::find(const std::string &serial) const
 
 Library::DevicePointer Library::named(const std::string &serial) const
 {
-    if (const DevicePointer device = find(serial))
+    if (DevicePointer device = find(serial))
         return device;
     throw std::invalid_argument("There is no camera " + serial + ".");
 }

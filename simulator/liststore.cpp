@@ -38,7 +38,7 @@ std::string fileName(const std::string &serial)
 
 std::string ListStore::folderOfEnvironment()
 {
-    const std::string own = environment("KELVOSIM_STORAGE");
+    std::string own = environment("KELVOSIM_STORAGE");
     if (!own.empty())
         return own;
     const std::string data = environment("XDG_DATA_HOME");

@@ -23,7 +23,8 @@ double gainFactor(std::int32_t gain)
 void copyPart(const FrameView &from, const Area &part, const FrameView &to)
 {
     const int rows = std::min(part.height, to.height);
-    const auto length = static_cast<std::size_t>(std::min(part.width, to.width) * from.bytesPerPixel);
+    const auto length = std::min(
+        static_cast<std::size_t>(part.width) * static_cast<std::size_t>(from.bytesPerPixel), to.rowLength());
     for (int y = 0; y < rows; ++y)
         std::memcpy(to.line(y), from.at(part.x, part.y + y), length);
 }
@@ -70,7 +71,7 @@ bool OpenCamera::pushFrame(const std::vector<std::uint8_t> &pixels)
     if (!capturing || !isAttached || !buffer)
         return false;
     const FrameView view = buffer->view();
-    const auto line = static_cast<std::size_t>(area.width * view.bytesPerPixel);
+    const auto line = static_cast<std::size_t>(area.width) * static_cast<std::size_t>(view.bytesPerPixel);
     const std::size_t shown = std::min(line, view.lineLength);
     std::memset(view.data, 0, view.lineLength * static_cast<std::size_t>(view.height));
     for (std::size_t y = 0; y < static_cast<std::size_t>(view.height) && y * line < pixels.size(); ++y)
@@ -247,7 +248,7 @@ bool OpenCamera::makeFrame(const FrameView &target, const Area &part, const Expo
     if (!whole) {
         frame.width = camera.width;
         frame.height = camera.height;
-        frame.lineLength = static_cast<std::size_t>(frame.width * frame.bytesPerPixel);
+        frame.lineLength = frame.rowLength();
         wholeFrame.resize(frame.lineLength * static_cast<std::size_t>(frame.height));
         frame.data = wholeFrame.data();
     }

@@ -104,7 +104,7 @@ void SensorModel::prepareNoise(const FrameView &frame, const Exposure &exposure)
     noiseLevel = level;
     noiseWidth = width;
     const bool padded = frame.bytesPerPixel == 4;
-    noise.resize(NoiseLength + static_cast<std::size_t>(frame.width * frame.bytesPerPixel));
+    noise.resize(NoiseLength + frame.rowLength());
     for (std::size_t i = 0; i < noise.size(); ++i) {
         const double value = std::round(level + width * static_cast<double>(normal[i % NoiseLength]));
         noise[i] =
@@ -121,7 +121,7 @@ const std::uint8_t *SensorModel::noiseRow(const FrameView &frame)
 
 void SensorModel::fillDark(const FrameView &frame)
 {
-    const auto length = static_cast<std::size_t>(frame.width * frame.bytesPerPixel);
+    const std::size_t length = frame.rowLength();
     for (int y = 0; y < frame.height; ++y)
         std::memcpy(frame.line(y), noiseRow(frame), length);
 }
@@ -132,7 +132,7 @@ void SensorModel::fillLit(const FrameView &frame, const Exposure &exposure)
     scene.move();
     const double strength = FullLight * exposure.milliseconds * exposure.gain / reference;
     const auto factor = static_cast<std::uint32_t>(std::min(strength, 65535.0));
-    const auto length = static_cast<std::size_t>(frame.width * frame.bytesPerPixel);
+    const std::size_t length = frame.rowLength();
     for (int y = 0; y < frame.height; ++y)
         addLight(frame.line(y), scene.row(y), noiseRow(frame), (factor * scene.rowBrightness(y)) >> 8,
                  length);

@@ -84,6 +84,7 @@ private slots:
     void correctionReplacesListedPixels();
     void correctionOfACameraWithoutMemoryTakesTheCurrentList();
     void correctionUsesNoListedNeighbours();
+    void correctionTakesNeighboursOfTheSameColour();
     void colourGainsTintTheScene();
     void largeFramesAreMadeInTime();
 };
@@ -338,6 +339,25 @@ void TestSensor::correctionUsesNoListedNeighbours()
     OpenedCamera camera;
     vx_HotPixel(camera.handle, 2, nullptr, 0);
     QCOMPARE(brighterThan(camera.frame(), 14), 0);
+}
+
+void TestSensor::correctionTakesNeighboursOfTheSameColour()
+{
+    kelvosim::CameraSpec spec = darkCamera();
+    spec.kind = kelvosim::SensorKind::RawBayer;
+    spec.lensCap = false;
+    spec.hotPixels = 0;
+    spec.factoryList = {{100, 100}};
+    kelvosim::addCamera(spec);
+    OpenedCamera camera;
+    camera.setExposure(8.0);
+    vx_SetHardwareGain(camera.handle, -1, 100, 0, 0);
+    vx_HotPixel(camera.handle, 2, nullptr, 0);
+    const std::vector<std::uint8_t> pixels = camera.frame();
+    const int red = camera.at(pixels, 102, 100);
+    const int green = camera.at(pixels, 101, 100);
+    QVERIFY2(red > green + 40, qPrintable(QString("%1 %2").arg(red).arg(green)));
+    QVERIFY(std::abs(camera.at(pixels, 100, 100) - red) < 20);
 }
 
 void TestSensor::colourGainsTintTheScene()
