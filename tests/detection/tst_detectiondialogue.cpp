@@ -188,6 +188,7 @@ void TestDetectionDialogue::showsItsTextsAndDefaults()
 {
     QCOMPARE(dialogue->windowTitle(), QString("Hot pixel detection"));
     QCOMPARE(dialogue->minimumWidth(), 400);
+    QVERIFY(dialogue->isModal());
     QCOMPARE(dialogue->windowFlags(), Ready);
     QCOMPARE(labelsOf(dialogue, "Preferences"), QStringList("Threshold"));
     QCOMPARE(report(dialogue), (QStringList{"", "Hot pixel detected: 0", ""}));

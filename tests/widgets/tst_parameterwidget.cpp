@@ -53,6 +53,7 @@ private slots:
     void keysOnTheSliderMoveTheSpinBoxAndReportNothing();
     void changeValueMovesBothAndReportsNothing();
     void theSliderFollowsBeforeTheValueIsReported();
+    void emitValueChangedReportsTheSpinBoxExceptDuringACopy();
     void aSecondChangeValueOnAnotherControlDuringTheFirstDoesNothing();
     void aFailureDuringACopyLeavesTheControlsUsable();
     void receiversMayChangeOtherControls();
@@ -196,11 +197,13 @@ void TestParameterWidget::changeValueMovesBothAndReportsNothing()
     setRange(&control, 0, 100, 10);
     QSignalSpy reported(&control, &ParameterWidget::valueChanged);
     QSignalSpy sliderMoved(control.slider(), &QSlider::valueChanged);
+    QSignalSpy boxChanged(control.spinBox(), static_cast<void (QSpinBox::*)(int)>(&QSpinBox::valueChanged));
     control.changeValue(33);
     QCOMPARE(control.spinBox()->value(), 33);
     QCOMPARE(control.slider()->value(), 33);
     QCOMPARE(reported.count(), 0);
     QCOMPARE(sliderMoved.count(), 0);
+    QCOMPARE(boxChanged.count(), 0);
     QVERIFY(!control.slider()->signalsBlocked());
     QVERIFY(!control.spinBox()->signalsBlocked());
 }
@@ -213,6 +216,19 @@ void TestParameterWidget::theSliderFollowsBeforeTheValueIsReported()
     connect(&control, &ParameterWidget::valueChanged, this, [&] { seen = control.slider()->value(); });
     control.spinBox()->setValue(42);
     QCOMPARE(seen, 42);
+}
+
+void TestParameterWidget::emitValueChangedReportsTheSpinBoxExceptDuringACopy()
+{
+    ParameterWidget control;
+    setRange(&control, 0, 100, 10);
+    QSignalSpy reported(&control, &ParameterWidget::valueChanged);
+    interruptCopies(control, [&] { control.emitValueChanged(); });
+    control.changeValue(50);
+    QCOMPARE(reported.count(), 0);
+    control.emitValueChanged();
+    QCOMPARE(reported.count(), 1);
+    QCOMPARE(reported.at(0).at(0).toInt(), 50);
 }
 
 void TestParameterWidget::aSecondChangeValueOnAnotherControlDuringTheFirstDoesNothing()
