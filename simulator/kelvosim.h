@@ -110,7 +110,8 @@ KELVOSIM_API void lieAboutListWord(std::int32_t word0);
 /// @return false when the camera is not capturing or every buffer is locked
 KELVOSIM_API bool pushFrame(const std::string &serial, const std::vector<std::uint8_t> &pixels);
 
-/// Lets `count` captures fail: event 8 each.
+/// Lets `count` captures of an open camera fail: event 8 each, one a frame time, and none before the event of
+/// the failure before was taken by a wait, so that each can be counted.
 KELVOSIM_API void failFrames(const std::string &serial, int count);
 
 /// Lets a free-running camera deliver at this rate whatever its settings say; 0: as set.
@@ -189,8 +190,9 @@ struct Call
     std::uint32_t handle = 0; ///< the handle argument as passed (vx_InitCamera: the variable on entry)
     std::int64_t command = AnyCommand; ///< as for failCall(); AnyCommand where a function has none
     std::string arguments;             ///< the remaining arguments, readable
-    std::vector<double> numbers;       ///< the numeric input arguments after handle and command, in order
-    std::vector<std::uint8_t> data;    ///< bytes passed in through a data pointer (lists, codes, records)
+    /// The numeric input arguments after handle and command, in order; of vx_SetExposureTime the exact value.
+    std::vector<double> numbers;
+    std::vector<std::uint8_t> data; ///< bytes passed in through a data pointer (lists, codes, records)
     std::int32_t result = 0;
     bool returned = false;
     std::uint64_t thread = 0; ///< same number, same thread
