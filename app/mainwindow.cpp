@@ -99,6 +99,9 @@ void MainWindow::connectLists()
     connect(cameraSelection, &QItemSelectionModel::selectionChanged, this, &MainWindow::updateCameraActions);
     connect(badpixelSelection, &QItemSelectionModel::selectionChanged, this, &MainWindow::updateSelection);
     connect(&badpixelList, &BadpixelListModel::dataChanged, this, &MainWindow::setSelection);
+    // A sort moves other entries under the selected rows without telling the selection models.
+    connect(&cameraList, &CameraListModel::layoutChanged, this, &MainWindow::updateCameraActions);
+    connect(&badpixelList, &BadpixelListModel::layoutChanged, this, &MainWindow::onBadpixelListSorted);
 }
 
 void MainWindow::connectView()

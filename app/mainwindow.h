@@ -109,6 +109,11 @@ private:
 
     // hot pixels and view
     QModelIndex selectedHotpixel() const;
+    void clearUserEntries();
+    void selectEntryAt(const QPoint &position);
+    void goToEntry(const QModelIndex &index);
+    void enableDeletionOf(const Badpixel &entry);
+    void onBadpixelListSorted();
     void scrollToEntry(const Badpixel &entry);
     void scrollInProportion(QScrollBar *bar, int imageExtent, int position) const;
 

@@ -58,6 +58,8 @@ void MainWindow::closeCamera()
     const CameraEntry entry = selectedCamera();
     if (entry == CameraEntry() || entry.serialNumber != camera.serialNumber())
         return;
+    if (detecting)
+        abortRun(); // before the camera's last image, which has none, counts as a frame
     camera.close();
     shownMark = 1111.0;
     form->display->clear();
@@ -73,8 +75,7 @@ void MainWindow::onCameraOpened(Camera *)
 void MainWindow::onCameraClosed()
 {
     emit cameraOpened(false);
-    if (detecting)
-        abortRun();
+    abortRun();
 }
 
 /// The camera stays open: it comes back, or the user closes it.

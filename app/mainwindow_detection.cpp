@@ -56,10 +56,8 @@ void MainWindow::startDetectingBadpixel(bool clear, uint threshold)
 {
     dropRun();
     detectionThreshold = threshold;
-    guard([&] {
-        if (clear)
-            badpixelList.clearUserBadpixelList();
-    });
+    if (clear)
+        clearUserEntries();
     detecting = true;
 }
 

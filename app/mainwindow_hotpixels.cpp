@@ -3,6 +3,7 @@
 
 #include "mainwindow.h"
 
+#include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QMessageBox>
 
@@ -34,7 +35,22 @@ void MainWindow::deleteBadpixel()
 
 void MainWindow::clearBadpixel()
 {
+    guard([this] { clearUserEntries(); });
+}
+
+/// Rows go one by one. Without care the table's row header would move its whole section list for each, and
+/// the table would select the next row each time that the selected one goes.
+void MainWindow::clearUserEntries()
+{
+    const QModelIndex selected = selectedHotpixel();
+    if (selected.isValid() && badpixelList.badpixel(selected.row()).pixelclass == User)
+        badpixelSelection->clear();
+    QHeaderView *rowHeader = badpixelTable ? badpixelTable->verticalHeader() : nullptr;
+    if (rowHeader)
+        rowHeader->setModel(nullptr);
     guard([this] { badpixelList.clearUserBadpixelList(); });
+    if (rowHeader)
+        rowHeader->setModel(&badpixelList);
 }
 
 void MainWindow::writeBadpixelList()
@@ -55,7 +71,7 @@ void MainWindow::writeBadpixelList()
         return;
     guarded([this] { badpixelList.writeBadpixelList(&camera); },
             [this](const QString &text) {
-                showText(text, 2000);
                 QMessageBox::critical(this, tr("Write failed"), text);
+                showText(text, 2000); // after the box, which may stay open for longer
             });
 }

@@ -35,12 +35,25 @@ void MainWindow::setMagnifierPosition(QPoint position)
     guard([&] {
         const QPoint focus(clampToImage(position.x(), imageSize.width()),
                            clampToImage(position.y(), imageSize.height()));
-        const QModelIndex entry = badpixelList.findBadpixel(focus.x(), focus.y(), 1);
-        if (entry.isValid()) // otherwise the selection stays: entries outside the image can be selected too
-            badpixelSelection->select(entry, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+        selectEntryAt(focus);
         magnifierPosition = focus;
         emit magnifierPositionChanged(focus);
     });
+}
+
+/// Where no entry lies the selection stays, so that entries outside the image can be selected too; where more
+/// than one lies it stays on the one that is selected already.
+void MainWindow::selectEntryAt(const QPoint &position)
+{
+    const QModelIndex selected = selectedHotpixel();
+    if (selected.isValid()) {
+        const Badpixel entry = badpixelList.badpixel(selected.row());
+        if (QPoint(entry.x, entry.y) == position)
+            return;
+    }
+    const QModelIndex entry = badpixelList.findBadpixel(position.x(), position.y(), 1);
+    if (entry.isValid())
+        badpixelSelection->select(entry, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 }
 
 void MainWindow::updateSelection(QItemSelection selected, QItemSelection)
@@ -52,19 +65,41 @@ void MainWindow::updateSelection(QItemSelection selected, QItemSelection)
 void MainWindow::setSelection(QModelIndex topLeft, QModelIndex)
 {
     guard([&] {
-        if (!topLeft.isValid()) {
+        if (topLeft.isValid())
+            goToEntry(topLeft);
+        else
             deleteBadpixelAction->setEnabled(false);
-            form->display->redrawImage();
-            return;
-        }
-        const Badpixel entry = badpixelList.badpixel(topLeft.row());
-        setMagnifierPosition(QPoint(entry.x, entry.y));
-        scrollToEntry(entry);
-        if (badpixelTable)
-            badpixelTable->scrollTo(topLeft);
-        // Kept: everything that is not the user's own counts as the factory's.
-        const QString owner = entry.pixelclass == User ? "user" : "factory";
-        deleteBadpixelAction->setEnabled(owner.compare("factory", Qt::CaseSensitive) != 0);
+        form->display->redrawImage();
+    });
+}
+
+void MainWindow::goToEntry(const QModelIndex &index)
+{
+    const Badpixel entry = badpixelList.badpixel(index.row());
+    setMagnifierPosition(QPoint(entry.x, entry.y));
+    const QModelIndex selected = selectedHotpixel();
+    if (selected.isValid() && selected.row() != index.row())
+        return; // the focus was clamped onto another entry, which is selected now and has been gone to
+    scrollToEntry(entry);
+    if (badpixelTable)
+        badpixelTable->scrollTo(index);
+    enableDeletionOf(entry);
+}
+
+void MainWindow::enableDeletionOf(const Badpixel &entry)
+{
+    // Kept: everything that is not the user's own counts as the factory's.
+    const QString owner = entry.pixelclass == User ? "user" : "factory";
+    deleteBadpixelAction->setEnabled(owner.compare("factory", Qt::CaseSensitive) != 0);
+}
+
+/// A sort leaves the selection on its row, which another entry has taken.
+void MainWindow::onBadpixelListSorted()
+{
+    guard([this] {
+        const QModelIndex selected = selectedHotpixel();
+        if (selected.isValid())
+            enableDeletionOf(badpixelList.badpixel(selected.row()));
         form->display->redrawImage();
     });
 }

@@ -45,7 +45,8 @@ Camera::~Camera()
         vx_ExitCamera(std::exchange(cameraHandle, kelvo::NoCamera));
 }
 
-/// Nothing may be freed or started again while a thread still runs, and terminate() does not end it at once.
+/// Nothing may be freed or started again while a thread still runs, and terminate() does not end it at once:
+/// better to wait for a library that hangs than to free under its hands.
 void Camera::awaitEnd(EventThread &thread)
 {
     if (!thread.wait(MillisecondsToEnd)) {
@@ -92,6 +93,7 @@ void Camera::initCamera(int deviceNumber)
     if (status != kelvo::Success)
         throw std::runtime_error("Could not initialize camera.");
     cameraHandle = opened;
+    ++openings;
 }
 
 void Camera::readSensorInfo()
@@ -222,14 +224,16 @@ QString Camera::errorText(int code) const
     return QString(lastErrorText(cameraHandle, code).c_str());
 }
 
+/// Called by the event threads' signals, and by nobody else while one of these is being handled: sender()
+/// tells whose events are counted.
 void Camera::eventReceived(int event)
 {
     if (sender() == &cameraEvents) {
         cameraEvents.delivered(event);
         if (staleEvents > 0) {
             --staleEvents;
-            if (isOpen()) // it is of a device that was closed since, and says nothing of this one
-                return;
+            if (isOpen() && event != kelvo::EventFrameFailed) // of a device that was closed since; failed
+                return;                                       // frames count whatever is open
         }
     }
     guarded([this, event] { handleEvent(event); }, [this](const QString &text) { emit displayError(text); });
@@ -273,20 +277,23 @@ void Camera::receiveFrame()
         throwOnFailure(cameraHandle, vx_GetActSeqBuf(cameraHandle, nullptr, nullptr, &last));
         if (vx_LockSeqBuf(cameraHandle, kelvo::BufferByPointer, last) != kelvo::Success)
             return;
-        currentImage = QImage(reinterpret_cast<const uchar *>(last), aoi.width, aoi.height, imageFormat);
-        emitImage();
-        if (isOpen()) // a receiver may have closed the camera, and with it the buffer
+        const int opening = openings;
+        emitImage(QImage(reinterpret_cast<const uchar *>(last), aoi.width, aoi.height, imageFormat));
+        if (isOpen() && opening == openings) // else a receiver closed this device, and the buffer is gone
             vx_UnlockSeqBuf(cameraHandle, kelvo::BufferByPointer, last);
     } catch (const std::runtime_error &failure) {
         emit displayError(QString(failure.what()), 2000);
     }
 }
 
-void Camera::emitImage()
+/// A frame that arrives while receivers still look at another is not emitted, and must not take that one's
+/// place either: they hold a reference to the current image.
+void Camera::emitImage(QImage image)
 {
     if (emittingImage)
         return;
     emittingImage = true;
+    currentImage = std::move(image);
     emit newImage(currentImage);
     emittingImage = false;
 }

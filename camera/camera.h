@@ -28,7 +28,8 @@ public:
     /// @throws std::runtime_error with the library's text for the failing call, or a fixed one
     void open(int deviceNumber);
 
-    /// Closes the device if one is open; never throws.
+    /// Closes the device if one is open; never throws. Receivers of the null image and of cameraClosed() that
+    /// it emits must not open a camera from there.
     void close();
 
     bool isOpen() const { return cameraHandle != kelvo::NoCamera; }
@@ -106,7 +107,7 @@ private:
     void readDefaults();
     void handleEvent(int event);
     void receiveFrame();
-    void emitImage();
+    void emitImage(QImage image);
     static void awaitEnd(EventThread &thread);
 
     EventThread deviceEvents;
@@ -117,6 +118,7 @@ private:
     kelvo::ImageArea aoi;
     std::uint32_t frames = 0;
     std::uint32_t failedFrames = 0;
+    int openings = 0;    // devices opened so far: tells one from the next, which may get the same handle
     int staleEvents = 0; // events of the last device that are still in the queue
     ImageSequence sequence;
     int currentColorMode = kelvo::ColorModeRawBayer8;

@@ -66,7 +66,7 @@ void Camera::updateMastergain()
 
 void Camera::setBadPixelCorrection(bool enable)
 {
-    if (!isOpen())
+    if (!isOpen()) // the action can be triggered without a camera; the library is left alone then
         return;
     vx_StopLiveVideo(cameraHandle, kelvo::WaitUntilDone);
     const double rate = framerate.value;

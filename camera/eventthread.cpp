@@ -73,7 +73,7 @@ void EventThread::holdBack(std::uint32_t event)
 /// Counts a signalled event in. @return whether it is to be emitted now
 bool EventThread::mayTakeOff(std::uint32_t event)
 {
-    if (event != heldBackEvent)
+    if (heldBackEvent == 0 || event != heldBackEvent)
         return true;
     int before = flight;
     while (!flight.compare_exchange_weak(before, before == Landed ? InFlight : InFlightAndOneMore)) {
@@ -90,10 +90,11 @@ void EventThread::takeOff(std::uint32_t event)
 void EventThread::delivered(int event)
 {
     --undelivered;
-    if (static_cast<std::uint32_t>(event) == heldBackEvent)
+    if (heldBackEvent != 0 && static_cast<std::uint32_t>(event) == heldBackEvent)
         landing.start();
 }
 
+/// Runs when no posted event is left, so what it emits directly cannot overtake what is in the queue.
 void EventThread::land()
 {
     int before = flight;

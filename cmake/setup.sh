@@ -45,9 +45,10 @@ need() {
         >/dev/null || fail "could not install: ${missing[*]}"
 }
 
-# build preset folder: configures when needed and builds.
+# build preset folder [target...]: configures, in case packages have come since, and builds.
 build() {
     local preset=$1 folder=$2
-    [ -f "$folder/build.ninja" ] || cmake --preset "$preset" >/dev/null || fail "configuring '$preset' failed."
-    cmake --build "$folder" || fail "building '$preset' failed."
+    shift 2
+    cmake --preset "$preset" >/dev/null || fail "configuring '$preset' failed."
+    cmake --build "$folder" ${1:+--target "$@"} || fail "building '$preset' failed."
 }

@@ -6,6 +6,7 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QDialog>
 #include <QDialogButtonBox>
 #include <QDockWidget>
 #include <QItemSelectionModel>
@@ -167,7 +168,9 @@ void Tour::watchDetection(QWidget *dialogue)
     check(WindowDriver::waitFor([=] { return buttons->isEnabled(); }), "the run ends");
     check(dialogue->isVisible(), "the dialogue stays open");
     takePicture("detected");
-    buttons->button(QDialogButtonBox::Close)->click();
+    if (QWidget *box = QApplication::activeModalWidget(); box && box != dialogue)
+        box->close(); // the run failed and says so
+    qobject_cast<QDialog *>(dialogue)->reject();
 }
 
 /// What the sensor model planted against what the list shows. Pixels close to the threshold count neither way,
@@ -233,7 +236,12 @@ void Tour::writeList()
     tell("Writing the list into the camera.");
     WindowDriver::whenModal([this](QWidget *modal) {
         takePicture("confirmation");
-        qobject_cast<QMessageBox *>(modal)->button(QMessageBox::Yes)->click();
+        QAbstractButton *yes = qobject_cast<QMessageBox *>(modal)->button(QMessageBox::Yes);
+        check(yes, "the window asks before it writes");
+        if (yes)
+            yes->click();
+        else
+            modal->close();
     });
     driver->trigger("writeListAction");
     check(!kelvosim::storedUserList(Serial).empty(), "the camera holds the list");

@@ -10,7 +10,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -87,7 +86,7 @@ QString WindowDriver::message() const
 
 QImage WindowDriver::shownImage() const
 {
-    return qobject_cast<const QLabel *>(display()->widget())->pixmap(Qt::ReturnByValue).toImage();
+    return display()->widget()->property("pixmap").value<QPixmap>().toImage();
 }
 
 QString WindowDriver::cell(const QTableView *table, int row, int column)
@@ -146,7 +145,10 @@ void WindowDriver::answerBox(QMessageBox::StandardButton button, QString *text)
             qFatal("a %s is open instead of a message box", modal->metaObject()->className());
         if (text)
             *text = box->text();
-        box->button(button)->click();
+        QAbstractButton *wanted = box->button(button);
+        if (!wanted)
+            qFatal("the box '%s' has no such button", qPrintable(box->text()));
+        wanted->click();
     });
 }
 

@@ -7,6 +7,7 @@
 #include "displaywidget.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QHeaderView>
 #include <QMenu>
 #include <QSignalSpy>
@@ -53,6 +54,8 @@ private slots:
     void theFirmwareNoticeIsPaintedBeforeTheUpload();
     void correctionIsSwitchedFromTheAction();
     void theBooleanSignalFollowsTheCamera();
+    void listsAreReadBeforeTheWindowHearsOfTheCamera();
+    void aFailedOpenIsShownForFiveSeconds();
     void aRedrawReadsNoBufferOfTheLibrary();
     void destroyingTheWindowReleasesTheCamera();
 
@@ -290,7 +293,7 @@ void TestConnection::theContextMenuOffersOpenAndClose()
             texts << action->text();
         menu->close();
     });
-    QMetaObject::invokeMethod(bench.window.get(), "showCameraListContextMenu", Q_ARG(QPoint, QPoint()));
+    bench.invoke("showCameraListContextMenu", Q_ARG(QPoint, QPoint()));
     QCOMPARE(texts, (QStringList{"&Open camera", "&Close camera"}));
 }
 
@@ -361,12 +364,12 @@ void TestConnection::theLastRowInUseEndsSelected()
 void TestConnection::aRowIsSelectedOnlyWhenNoneIs()
 {
     bench.driver->selectCamera(bench.plain);
-    QMetaObject::invokeMethod(bench.window.get(), "onSelectCameraRow", Q_ARG(int, 0));
+    bench.invoke("onSelectCameraRow", Q_ARG(int, 0));
     const QItemSelectionModel *selection = bench.driver->cameraTable()->selectionModel();
     QCOMPARE(WindowDriver::cell(bench.driver->cameraTable(), selection->selectedIndexes().first().row(), 3),
              bench.plain);
     bench.driver->cameraTable()->clearSelection();
-    QMetaObject::invokeMethod(bench.window.get(), "onSelectCameraRow", Q_ARG(int, 0));
+    bench.invoke("onSelectCameraRow", Q_ARG(int, 0));
     QCOMPARE(selection->selectedIndexes().first().row(), 0);
 }
 
@@ -414,6 +417,30 @@ void TestConnection::theBooleanSignalFollowsTheCamera()
     QCOMPARE(opened.count(), 2);
     QCOMPARE(opened.at(0).first().toBool(), true);
     QCOMPARE(opened.at(1).first().toBool(), false);
+}
+
+void TestConnection::listsAreReadBeforeTheWindowHearsOfTheCamera()
+{
+    QStringList seen;
+    connect(bench.window.get(), &MainWindow::cameraOpened, [&] {
+        seen << QString("%1 rows, %2").arg(bench.rows()).arg(bench.driver->cameraStatus(bench.mono));
+        QVERIFY(!bench.enabled("closeCameraAction"));
+    });
+    bench.open(bench.mono);
+    bench.driver->trigger("closeCameraAction");
+    // On opening the camera list refreshes after the window, on closing before it.
+    QCOMPARE(seen, (QStringList{"2 rows, free", "0 rows, free"}));
+}
+
+void TestConnection::aFailedOpenIsShownForFiveSeconds()
+{
+    kelvosim::failCall("vx_GetSensorInfo", 1, 3, "no sensor");
+    QElapsedTimer timer;
+    timer.start();
+    bench.open(bench.mono);
+    QCOMPARE(bench.driver->message(), QString("no sensor"));
+    QTRY_VERIFY_WITH_TIMEOUT(bench.driver->message().isEmpty(), 20000);
+    QVERIFY(timer.elapsed() >= 4700); // the status bar's timer is coarse
 }
 
 void TestConnection::aRedrawReadsNoBufferOfTheLibrary()

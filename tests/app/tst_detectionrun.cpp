@@ -84,6 +84,7 @@ private slots:
     void runsCanFollowOneAnother();
     void openingAgainAndAgainLeaksNothing();
     void closingTheCameraEndsTheRun();
+    void closingTheCameraWithTenFramesDropsThem();
     void theDialogueStaysModalFromStartToClose();
     void framesAreDeepCopies();
     void detectionOfA32BitCameraIsRefused();
@@ -246,6 +247,12 @@ void TestDetectionRun::fiveThousandAndOneBrightBytesFailTheRun()
                 text = box->text();
                 title = box->windowTitle();
                 QCOMPARE(box->icon(), QMessageBox::Critical);
+                for (int i = 0; i < 12; ++i) { // frames go on arriving, and none is captured
+                    QImage frame(96, 80, QImage::Format_Indexed8);
+                    frame.fill(Dark);
+                    bench.invoke("newImage", Q_ARG(QImage &, frame));
+                }
+                QCOMPARE(progress(dialogue), 40);
                 box->button(QMessageBox::Ok)->click();
             }
         });
@@ -287,7 +294,7 @@ void TestDetectionRun::aFailedRunIsReportedAndTheNextStartsClean()
         feed(9, darkFrame({{40, 41}}));
         QImage strange(12, 12, QImage::Format_Indexed8);
         strange.fill(Dark);
-        QMetaObject::invokeMethod(bench.window.get(), "newImage", Qt::DirectConnection, Q_ARG(QImage &, strange));
+        bench.invoke("newImage", Q_ARG(QImage &, strange));
         feed(1, darkFrame({{40, 41}}));
         QVERIFY(isIdle(dialogue));
         QVERIFY(hasLabel(dialogue, "Hot pixel detected: -"));
@@ -306,7 +313,7 @@ void TestDetectionRun::aNullImageIsAFrameAndTheNextRunStartsClean()
     inDialogue([&](DetectionDialogue *dialogue) {
         start(dialogue);
         QImage none;
-        QMetaObject::invokeMethod(bench.window.get(), "newImage", Qt::DirectConnection, Q_ARG(QImage &, none));
+        bench.invoke("newImage", Q_ARG(QImage &, none));
         QCOMPARE(progress(dialogue), 10);
         feed(10, darkFrame({{40, 41}}));
         QVERIFY(isIdle(dialogue));
@@ -395,6 +402,20 @@ void TestDetectionRun::closingTheCameraEndsTheRun()
     });
     QCOMPARE(bench.rows(), 3);
     QCOMPARE(bench.cell(2, 0), QString("50"));
+}
+
+void TestDetectionRun::closingTheCameraWithTenFramesDropsThem()
+{
+    QSignalSpy finished(bench.window.get(), &MainWindow::detectionFinished);
+    inDialogue([&](DetectionDialogue *dialogue) {
+        start(dialogue);
+        feed(10, darkFrame({{40, 41}}));
+        bench.invoke("closeCamera");
+        QVERIFY(isIdle(dialogue));
+        QCOMPARE(progress(dialogue), 0);
+        QVERIFY(hasLabel(dialogue, "Hot pixel detected: 0"));
+    });
+    QCOMPARE(finished.count(), 0);
 }
 
 void TestDetectionRun::theDialogueStaysModalFromStartToClose()

@@ -3,9 +3,11 @@
 
 #include "windowfixture.h"
 
+#include "../hotpixels/badpixellistmodelpeer.h"
 #include "displaywidget.h"
 
 #include <QApplication>
+#include <QHeaderView>
 #include <QMenu>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -29,15 +31,21 @@ private slots:
     void selectingTheSameRowAgainKeepsDeletionEnabled();
     void clearingKeepsTheFactoryEntries();
     void aChangedClassUpdatesDeletion();
+    void anIgnoredEntryCannotBeDeleted();
+    void sortingLeavesDeletionToTheEntryThatIsSelectedNow();
+    void clearingALongListLeavesTheTableWhole();
 
     void theFocusIsClampedToTheImage();
     void withoutAnImageTheFocusHasNoUpperBound();
     void theFocusSelectsTheEntryUnderIt();
     void theFocusLeavesTheSelectionAloneWhereNoEntryLies();
     void anEntryOutsideTheImageCanBeSelected();
+    void oneOfTwoEntriesAtTheSamePlaceStaysSelected();
+    void aFocusThatIsClampedOntoAnotherEntrySelectsThatOne();
     void aClickBesideEntriesMovesTheFocus();
     void aClickOnAnEntrySelectsIt();
     void selectingScrollsInProportion();
+    void atOneToTwoTheZoomFactorIsOne();
     void aZoomFactorOfZeroLeavesTheScrollBarsAlone();
     void aHalvedScaleChecksTheZoomAndSaysSo();
 
@@ -169,6 +177,44 @@ void TestHotpixelWork::aChangedClassUpdatesDeletion()
     QVERIFY(bench.enabled("deleteBadpixelAction"));
 }
 
+void TestHotpixelWork::anIgnoredEntryCannotBeDeleted()
+{
+    add(33, 44);
+    auto *list = static_cast<BadpixelListModel *>(bench.driver->badpixelTable()->model());
+    BadpixelListModelPeer::append(*list, {Badpixel{50, 51, Ignore}});
+    select(2);
+    QVERIFY(bench.enabled("deleteBadpixelAction"));
+    select(3);
+    QVERIFY(!bench.enabled("deleteBadpixelAction"));
+}
+
+void TestHotpixelWork::sortingLeavesDeletionToTheEntryThatIsSelectedNow()
+{
+    add(5, 44);
+    QVERIFY(bench.enabled("deleteBadpixelAction"));
+    bench.driver->badpixelTable()->sortByColumn(0, Qt::AscendingOrder);
+    QCOMPARE(bench.cell(selectedRow(), 0), QString("20")); // the last row is a factory entry now
+    QVERIFY(!bench.enabled("deleteBadpixelAction"));
+}
+
+void TestHotpixelWork::clearingALongListLeavesTheTableWhole()
+{
+    constexpr int Count = 100000;
+    auto *list = static_cast<BadpixelListModel *>(bench.driver->badpixelTable()->model());
+    for (int i = 0; i < Count; ++i)
+        list->addBadpixel(QPoint(100 + i % 1000, i / 1000));
+    select(Count / 2);
+    bench.driver->trigger("clearBadpixelAction");
+    QCOMPARE(bench.rows(), 2);
+    const QHeaderView *header = bench.driver->badpixelTable()->verticalHeader();
+    QCOMPARE(header->count(), 2);
+    QCOMPARE(header->sectionSize(1), header->minimumSectionSize());
+    QCOMPARE(selectedRow(), -1);
+    QVERIFY(!bench.enabled("deleteBadpixelAction"));
+    add(33, 44);
+    QCOMPARE(header->count(), 3);
+}
+
 void TestHotpixelWork::theFocusIsClampedToTheImage()
 {
     showFrame();
@@ -215,6 +261,32 @@ void TestHotpixelWork::anEntryOutsideTheImageCanBeSelected()
     QCOMPARE(moved.last().first().toPoint(), QPoint(95, 40));
 }
 
+void TestHotpixelWork::oneOfTwoEntriesAtTheSamePlaceStaysSelected()
+{
+    bench.driver->trigger("closeCameraAction");
+    QTRY_COMPARE(bench.driver->cameraStatus(bench.mono), QString("free"));
+    kelvosim::setStoredUserList("KVMONO", {{10, 10}}); // the factory's list has it too
+    bench.open(bench.mono);
+    QCOMPARE(bench.rows(), 3);
+    select(2);
+    QCOMPARE(selectedRow(), 2);
+    QVERIFY(bench.enabled("deleteBadpixelAction"));
+    bench.driver->trigger("deleteBadpixelAction");
+    QCOMPARE(bench.rows(), 2);
+}
+
+void TestHotpixelWork::aFocusThatIsClampedOntoAnotherEntrySelectsThatOne()
+{
+    add(3000, 40);
+    showFrame();
+    add(95, 40);
+    select(0);
+    QVERIFY(!bench.enabled("deleteBadpixelAction"));
+    select(2); // outside the image; the focus lands on the other one
+    QCOMPARE(selectedRow(), 3);
+    QVERIFY(bench.enabled("deleteBadpixelAction"));
+}
+
 void TestHotpixelWork::aClickBesideEntriesMovesTheFocus()
 {
     showFrame();
@@ -248,6 +320,20 @@ void TestHotpixelWork::selectingScrollsInProportion()
     QVERIFY(vertical->value() > 0);
 }
 
+void TestHotpixelWork::atOneToTwoTheZoomFactorIsOne()
+{
+    bench.window->resize(600, 400);
+    bench.driver->trigger("zoom1to2Action");
+    bench.pushFlat(bench.mono, 30);
+    QTRY_COMPARE(bench.driver->display()->widget()->width(), 48);
+    bench.driver->display()->setMaximumSize(30, 20);
+    QScrollBar *vertical = bench.driver->display()->verticalScrollBar();
+    QTRY_VERIFY(vertical->maximum() > 0);
+    vertical->setRange(0, 400); // large enough for the division to show the factor
+    select(1);
+    QCOMPARE(vertical->value(), 400 / (40 / 1) * 30);
+}
+
 void TestHotpixelWork::aZoomFactorOfZeroLeavesTheScrollBarsAlone()
 {
     bench.window->resize(600, 400);
@@ -256,7 +342,7 @@ void TestHotpixelWork::aZoomFactorOfZeroLeavesTheScrollBarsAlone()
     QTRY_COMPARE(bench.driver->display()->widget()->width(), 384);
     bench.driver->display()->setMaximumSize(120, 100);
     QTRY_VERIFY(bench.driver->display()->verticalScrollBar()->maximum() > 0);
-    QMetaObject::invokeMethod(bench.window.get(), "updateScaleFactor", Q_ARG(int, 0));
+    bench.invoke("updateScaleFactor", Q_ARG(int, 0));
     bench.driver->display()->verticalScrollBar()->setValue(7);
     select(1);
     QCOMPARE(bench.driver->display()->verticalScrollBar()->value(), 7);
@@ -267,13 +353,13 @@ void TestHotpixelWork::aHalvedScaleChecksTheZoomAndSaysSo()
     const QPair<int, const char *> cases[] = {{2, "zoom2to1Action"}, {1, "zoom1to1Action"}};
     for (const auto &[scale, zoom] : cases) {
         bench.driver->trigger("zoom4to1Action");
-        QMetaObject::invokeMethod(bench.window.get(), "updateScaleFactor", Q_ARG(int, scale));
+        bench.invoke("updateScaleFactor", Q_ARG(int, scale));
         QVERIFY(bench.driver->action(zoom)->isChecked());
         QVERIFY(!bench.driver->action("zoom4to1Action")->isChecked());
         QCOMPARE(bench.driver->message(), QString("The image is too big and will be resized"));
     }
     bench.driver->trigger("zoom4to1Action");
-    QMetaObject::invokeMethod(bench.window.get(), "updateScaleFactor", Q_ARG(int, 0));
+    bench.invoke("updateScaleFactor", Q_ARG(int, 0));
     QVERIFY(bench.driver->action("zoom4to1Action")->isChecked());
 }
 
@@ -287,7 +373,7 @@ void TestHotpixelWork::theContextMenuFollowsListAndSelection()
                 texts << action->text();
             menu->close();
         });
-        QMetaObject::invokeMethod(bench.window.get(), "showBadpixelListContextMenu", Q_ARG(QPoint, QPoint()));
+        bench.invoke("showBadpixelListContextMenu", Q_ARG(QPoint, QPoint()));
         return texts;
     };
     QCOMPARE(offered(), QStringList{"&Add hot pixel"});
@@ -342,6 +428,7 @@ void TestHotpixelWork::aFailedWriteIsShownInABoxAndInTheStatusBar()
             title = box->windowTitle();
             text = box->text();
             QCOMPARE(box->icon(), QMessageBox::Critical);
+            QVERIFY(bench.driver->message().isEmpty());
             box->button(QMessageBox::Ok)->click();
         });
         qobject_cast<QMessageBox *>(question)->button(QMessageBox::Yes)->click();

@@ -6,6 +6,7 @@
 #include "cameralistmodel.h"
 #include "displaywidget.h"
 
+#include <QApplication>
 #include <QDockWidget>
 #include <QHeaderView>
 #include <QLayout>
@@ -63,6 +64,7 @@ private slots:
     void aFailingRefreshIsShownAndTheNextGoesOn();
     void everySlotStandsBeingCalledWithoutACamera_data();
     void everySlotStandsBeingCalledWithoutACamera();
+    void slotsWithArgumentsStandBeingCalledWithoutACamera();
     void languageChangeRetranslatesTheForm();
 
 private:
@@ -91,10 +93,16 @@ void TestMainWindow::actionsHaveTheirTextsIconsAndStates_data()
     QTest::addColumn<QString>("shortcut");
     QTest::addColumn<bool>("checkable");
     QTest::addColumn<bool>("checked");
+    QTest::addColumn<bool>("enabled"); // with no camera in the list
 
-    const auto row = [](const char *name, const char *text, bool icon, const char *shortcut, bool checkable,
-                        bool checked) {
-        QTest::newRow(name) << QString(name) << QString(text) << icon << QString(shortcut) << checkable << checked;
+    const QStringList enabledAtStart{"highlightAction",  "clearBadpixelAction", "zoom1to1Action",
+                                     "zoom2to1Action",   "zoom4to1Action",      "zoom1to2Action",
+                                     "zoom1to4Action",   "exitAction",          "showCameraListAction",
+                                     "showBadpixelListAction"};
+    const auto row = [&](const char *name, const char *text, bool icon, const char *shortcut, bool checkable,
+                         bool checked) {
+        QTest::newRow(name) << QString(name) << QString(text) << icon << QString(shortcut) << checkable << checked
+                            << enabledAtStart.contains(name);
     };
     row("openCameraAction", "&Open camera", true, "", false, false);
     row("closeCameraAction", "&Close camera", true, "", false, false);
@@ -125,12 +133,17 @@ void TestMainWindow::actionsHaveTheirTextsIconsAndStates()
     QFETCH(QString, shortcut);
     QFETCH(bool, checkable);
     QFETCH(bool, checked);
+    QFETCH(bool, enabled);
+    for (const char *serial : {"KVMONO", "KVBAYER", "KVPLAIN"})
+        kelvosim::removeCamera(serial);
+    bench.showWindow();
     const QAction *action = bench.driver->action(qPrintable(name));
     QCOMPARE(action->text(), text);
     QCOMPARE(!action->icon().pixmap(32).isNull(), icon);
     QCOMPARE(action->shortcut().toString(), shortcut);
     QCOMPARE(action->isCheckable(), checkable);
     QCOMPARE(action->isChecked(), checked);
+    QCOMPARE(action->isEnabled(), enabled);
 }
 
 void TestMainWindow::menusAreInOrder()
@@ -212,6 +225,8 @@ void TestMainWindow::tablesSelectOneRow()
     QVERIFY(!table->horizontalHeader()->isSortIndicatorShown());
     QVERIFY(!table->horizontalHeader()->highlightSections());
     QVERIFY(table->horizontalHeader()->stretchLastSection());
+    if (name == "badpixelTable")
+        QCOMPARE(table->horizontalHeader()->defaultSectionSize(), 40);
 }
 
 void TestMainWindow::headersSortTheTables()
@@ -222,6 +237,14 @@ void TestMainWindow::headersSortTheTables()
     QCOMPARE(WindowDriver::cell(table, 0, 3), bench.plain);
     table->horizontalHeader()->setSortIndicator(3, Qt::AscendingOrder);
     QCOMPARE(WindowDriver::cell(table, 0, 3), bench.bayer);
+
+    // The actions follow the camera that stands in the selected row now.
+    bench.open(bench.bayer);
+    QTRY_VERIFY(bench.enabled("closeCameraAction"));
+    table->horizontalHeader()->setSortIndicator(3, Qt::DescendingOrder);
+    QCOMPARE(WindowDriver::cell(table, table->selectionModel()->selectedIndexes().first().row(), 3), bench.plain);
+    QVERIFY(!bench.enabled("closeCameraAction"));
+    QVERIFY(bench.enabled("openCameraAction"));
 }
 
 void TestMainWindow::oneToTwoChecksOnlyItself()
@@ -258,7 +281,7 @@ void TestMainWindow::zoomLevels()
 void TestMainWindow::anUnknownActionUnchecksAllZooms()
 {
     QAction stranger("3:1");
-    QMetaObject::invokeMethod(bench.window.get(), "onZoomChanged", Qt::DirectConnection, Q_ARG(QAction *, &stranger));
+    bench.invoke("onZoomChanged", Q_ARG(QAction *, &stranger));
     for (const char *name : {"zoom1to1Action", "zoom2to1Action", "zoom4to1Action", "zoom1to2Action",
                              "zoom1to4Action", "zoomToFitAction"})
         QVERIFY2(!bench.driver->action(name)->isChecked(), name);
@@ -374,6 +397,34 @@ void TestMainWindow::everySlotStandsBeingCalledWithoutACamera()
     bench.invoke(qPrintable(slot));
     QVERIFY(testcamera::nothingHeld());
     QVERIFY(bench.window->isVisible());
+}
+
+void TestMainWindow::slotsWithArgumentsStandBeingCalledWithoutACamera()
+{
+    QImage none;
+    bench.invoke("newImage", Q_ARG(QImage &, none));
+    bench.invoke("setSelection", Q_ARG(QModelIndex, QModelIndex()), Q_ARG(QModelIndex, QModelIndex()));
+    bench.invoke("updateSelection", Q_ARG(QItemSelection, QItemSelection()),
+                 Q_ARG(QItemSelection, QItemSelection()));
+    bench.invoke("setMagnifierPosition", Q_ARG(QPoint, QPoint(-7, 70000)));
+    bench.invoke("addNewBadpixel");
+    for (const int scale : {-3, 0, 1, 2, 3})
+        bench.invoke("updateScaleFactor", Q_ARG(int, scale));
+    bench.invoke("onZoomChanged", Q_ARG(QAction *, nullptr));
+    bench.driver->cameraTable()->clearSelection();
+    for (const int row : {-1, 99})
+        bench.invoke("onSelectCameraRow", Q_ARG(int, row));
+    bench.invoke("startDetectingBadpixel", Q_ARG(bool, true), Q_ARG(uint, 40u));
+    bench.invoke("onCameraOpened", Q_ARG(Camera *, nullptr));
+    WindowDriver::answerBox(QMessageBox::Ok);
+    bench.invoke("writeBadpixelList");
+    WindowDriver::whenModal([](QWidget *dialogue) { dialogue->close(); });
+    bench.invoke("openDetectDialog");
+    for (const char *menu : {"showCameraListContextMenu", "showBadpixelListContextMenu"}) {
+        QTimer::singleShot(50, [] { QApplication::activePopupWidget()->close(); });
+        bench.invoke(menu, Q_ARG(QPoint, QPoint()));
+    }
+    QVERIFY(testcamera::nothingHeld());
 }
 
 void TestMainWindow::languageChangeRetranslatesTheForm()

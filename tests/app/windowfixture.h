@@ -54,7 +54,13 @@ public:
         driver->trigger("openCameraAction");
     }
 
-    void invoke(const char *slot) { QMetaObject::invokeMethod(window.get(), slot, Qt::DirectConnection); }
+    /// Calls a slot of the window; a slot that does not exist ends the test program.
+    template<typename... Arguments>
+    void invoke(const char *slot, Arguments... arguments)
+    {
+        if (!QMetaObject::invokeMethod(window.get(), slot, Qt::DirectConnection, arguments...))
+            qFatal("the window has no slot %s that takes these arguments", slot);
+    }
 
     /// Pushes a frame of one grey value; it is handled in a later turn of the event loop.
     bool pushFlat(const QString &serial, std::uint8_t grey) { return push(serial, flatFrame(grey)); }
@@ -66,11 +72,7 @@ public:
 
     static std::vector<std::uint8_t> flatFrame(std::uint8_t grey) { return testcamera::flatFrame(spec(), grey); }
 
-    void moveTo(const QPoint &position)
-    {
-        QMetaObject::invokeMethod(window.get(), "setMagnifierPosition", Qt::DirectConnection,
-                                  Q_ARG(QPoint, position));
-    }
+    void moveTo(const QPoint &position) { invoke("setMagnifierPosition", Q_ARG(QPoint, position)); }
 
     static kelvosim::CameraSpec spec()
     {

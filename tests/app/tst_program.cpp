@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+// The program as it is started: on the simulated library, on another one, and what it says when it cannot.
+
+#include <QProcess>
+#include <QtTest>
+
+class TestProgram : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void itStartsOnTheSimulatedLibraryAndEndsWhenAsked();
+    void anotherLibraryTakesThePlaceAndAFailureEndsTheProgramWithItsText();
+};
+
+void TestProgram::itStartsOnTheSimulatedLibraryAndEndsWhenAsked()
+{
+    QProcess program;
+    program.start(PROGRAM, QStringList());
+    QVERIFY(program.waitForStarted());
+    const QString ofProcess = QString("/proc/%1/maps").arg(program.processId());
+    const auto loaded = [&] {
+        QFile file(ofProcess);
+        return file.open(QIODevice::ReadOnly) && file.readAll().contains("/simulator/libkelvo_api.so.1");
+    };
+    QTRY_VERIFY(loaded());
+    QVERIFY(!program.waitForFinished(500)); // it stays
+    program.terminate();
+    QVERIFY(program.waitForFinished());
+}
+
+void TestProgram::anotherLibraryTakesThePlaceAndAFailureEndsTheProgramWithItsText()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("LD_LIBRARY_PATH", FAILING_LIBRARY_FOLDER);
+    QProcess program;
+    program.setProcessEnvironment(environment);
+    program.start(PROGRAM, QStringList());
+    QVERIFY(program.waitForFinished());
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(program.exitCode(), 1);
+    QVERIFY(program.readAllStandardError().contains("Can't get number of cameras."));
+}
+
+QTEST_GUILESS_MAIN(TestProgram)
+#include "tst_program.moc"
