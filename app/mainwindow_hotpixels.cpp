@@ -67,6 +67,7 @@ void MainWindow::writeBadpixelList()
                         "the camera."));
     question.setInformativeText(tr("Do you want to continue?"));
     question.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+    question.setDefaultButton(QMessageBox::No); // Enter alone must not overwrite a list
     if (question.exec() != QMessageBox::Yes)
         return;
     guarded([this] { badpixelList.writeBadpixelList(&camera); },
