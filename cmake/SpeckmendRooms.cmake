@@ -63,5 +63,6 @@ function(speckmend_test_on_x11 test)
   # The platform plug-in is unloaded before the leak check, so what it leaks has no name that a suppression
   # could give. Leaks of ours show without a display, where the same programs and the same way run.
   set_property(TEST ${test} APPEND PROPERTY ENVIRONMENT "QT_QPA_PLATFORM=xcb" "ASAN_OPTIONS=detect_leaks=0")
-  set_tests_properties(${test} PROPERTIES TIMEOUT 300 LABELS "x11")
+  # Two servers that start at once may pick the same display number.
+  set_tests_properties(${test} PROPERTIES TIMEOUT 300 LABELS "x11" RESOURCE_LOCK xvfb)
 endfunction()
