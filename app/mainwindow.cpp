@@ -40,6 +40,8 @@ MainWindow::MainWindow(QWidget *parent)
 
 MainWindow::~MainWindow()
 {
+    if (magnifierDock) // it outlives this part of the window and must not call back
+        disconnect(magnifierDock.data(), nullptr, this, nullptr);
     delete cameraSelection;
     delete badpixelSelection;
     form.reset();

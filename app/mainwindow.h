@@ -17,6 +17,8 @@
 #include <memory>
 
 class DetectionDialogue;
+class MagnifierControl;
+class ParameterBlockWidget;
 class QAction;
 class QDockWidget;
 class QItemSelectionModel;
@@ -46,6 +48,9 @@ signals:
 protected slots:
     void createCameraListDock();
     void createBadpixelListDock();
+    void createMagnifierDock();
+    void createCameraSliderDock();
+    void clearMagnifier();
     void showCameraListContextMenu(QPoint pos);
     void showBadpixelListContextMenu(QPoint pos);
     void openCamera();
@@ -67,6 +72,8 @@ protected slots:
     void detectBadpixel();
     void onShowHideCameraListDock();
     void onShowHideBadpixelListDock();
+    void onShowHideMagnifierDock();
+    void onShowHideCameraSliderDock();
     void onMenuShow();
     void onZoomChanged(QAction *act);
     void onSelectCameraRow(int row);
@@ -97,7 +104,9 @@ private:
 
     QAction *addNamedAction(const char *name, const QString &text, const QString &icon = QString());
     QAction *createZoomAction(const char *name, const QString &text);
-    QDockWidget *createListDock(const QString &title, const char *name, QTableView *table);
+    QDockWidget *createDock(const QString &title, const char *name, QWidget *inner, QWidget *parent);
+    void connectCameraSliders();
+    static void flipVisibility(QDockWidget *dock);
     static void compactRows(QTableView *table);
 
     // camera
@@ -155,13 +164,19 @@ private:
     QAction *exitAction = nullptr;
     QAction *showCameraListAction = nullptr;
     QAction *showBadpixelListAction = nullptr;
+    QAction *showMagnifierAction = nullptr;
+    QAction *showCameraSliderAction = nullptr;
     QMenu *zoomMenu = nullptr;
 
-    // A dock, and the table in it, may be destroyed before the window is.
+    // A dock, and what is in it, may be destroyed before the window is.
     QPointer<QDockWidget> cameraListDock;
     QPointer<QDockWidget> badpixelListDock;
+    QPointer<QDockWidget> magnifierDock;
+    QPointer<QDockWidget> cameraSliderDock;
     QPointer<QTableView> cameraTable;
     QPointer<QTableView> badpixelTable;
+    QPointer<MagnifierControl> magnifierControl;
+    QPointer<ParameterBlockWidget> parameterBlock;
     QItemSelectionModel *cameraSelection = nullptr;
     QItemSelectionModel *badpixelSelection = nullptr;
 

@@ -90,6 +90,8 @@ void MainWindow::createMenus()
 {
     createCameraListDock();
     createBadpixelListDock();
+    createMagnifierDock();
+    createCameraSliderDock();
     tabifyDockWidget(cameraListDock, badpixelListDock);
     createToolBar();
     createFileMenu();
@@ -123,15 +125,22 @@ void MainWindow::createFileMenu()
 void MainWindow::createViewMenu()
 {
     showCameraListAction = addNamedAction("showCameraListAction", tr("Camera list"), "cameraList.png");
-    showCameraListAction->setCheckable(true);
-    connect(showCameraListAction, &QAction::triggered, this, &MainWindow::onShowHideCameraListDock);
     showBadpixelListAction = addNamedAction("showBadpixelListAction", tr("Hot pixel list"), "badpixelList.png");
-    showBadpixelListAction->setCheckable(true);
+    showMagnifierAction = addNamedAction("showMagnifierAction", tr("Magnifier"), "window_view.png");
+    showCameraSliderAction =
+        addNamedAction("showCameraSliderAction", tr("Camera properties"), "cameraproperties.png");
+    const QList<QAction *> toggles{showCameraListAction, showBadpixelListAction, showMagnifierAction,
+                                   showCameraSliderAction};
+    for (QAction *toggle : toggles)
+        toggle->setCheckable(true);
+    connect(showCameraListAction, &QAction::triggered, this, &MainWindow::onShowHideCameraListDock);
     connect(showBadpixelListAction, &QAction::triggered, this, &MainWindow::onShowHideBadpixelListDock);
+    connect(showMagnifierAction, &QAction::triggered, this, &MainWindow::onShowHideMagnifierDock);
+    connect(showCameraSliderAction, &QAction::triggered, this, &MainWindow::onShowHideCameraSliderDock);
 
     QMenu *menu = form->menuBar->addMenu(tr("&View"));
     connect(menu, &QMenu::aboutToShow, this, &MainWindow::onMenuShow);
-    menu->addActions({showCameraListAction, showBadpixelListAction});
+    menu->addActions(toggles);
     menu->addSeparator();
     menu->addAction(highlightAction);
 }

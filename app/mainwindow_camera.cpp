@@ -3,6 +3,8 @@
 
 #include "mainwindow.h"
 
+#include "magnifier.h"
+#include "magnifiercontrol.h"
 #include "ui_mainwindow.h"
 
 #include <QItemSelectionModel>
@@ -37,6 +39,7 @@ void MainWindow::openSelectedCamera(const CameraEntry &entry)
     camera.open(static_cast<int>(entry.deviceId));
     camera.setBadPixelCorrection(correctionAction->isChecked());
     onZoomChanged(zoom1to1Action);
+    camera.setAutoConfig();
     form->display->clear();
     form->display->setHighlight(highlightAction->isChecked());
     setImageVisible(true);
@@ -64,6 +67,8 @@ void MainWindow::closeCamera()
     shownMark = 1111.0;
     form->display->clear();
     setImageVisible(false);
+    if (magnifierControl)
+        magnifierControl->magnifier()->clear();
     setMagnifierPosition(QPoint(0, 0));
 }
 

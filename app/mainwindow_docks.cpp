@@ -3,19 +3,26 @@
 
 #include "mainwindow.h"
 
+#include "magnifier.h"
+#include "magnifiercontrol.h"
+#include "parameterblockwidget.h"
 #include "ui_mainwindow.h"
 
 #include <QDockWidget>
 #include <QHeaderView>
 #include <QMenu>
 
-QDockWidget *MainWindow::createListDock(const QString &title, const char *name, QTableView *table)
+namespace {
+
+const Qt::DockWidgetAreas SideAreas = Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea;
+
+} // namespace
+
+QDockWidget *MainWindow::createDock(const QString &title, const char *name, QWidget *inner, QWidget *parent)
 {
-    auto *dock = new QDockWidget(title, this);
+    auto *dock = new QDockWidget(title, parent);
     dock->setObjectName(name);
-    dock->setAllowedAreas(Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea);
-    dock->setWidget(table);
-    addDockWidget(Qt::LeftDockWidgetArea, dock);
+    dock->setWidget(inner);
     return dock;
 }
 
@@ -45,7 +52,9 @@ void MainWindow::createCameraListDock()
     cameraTable->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContentsOnFirstShow);
     connect(cameraTable, &QTableView::customContextMenuRequested, this, &MainWindow::showCameraListContextMenu);
     connect(cameraTable, &QTableView::doubleClicked, this, &MainWindow::openCamera);
-    cameraListDock = createListDock(tr("Camera list"), "CameraListDock", cameraTable);
+    cameraListDock = createDock(tr("Camera list"), "CameraListDock", cameraTable, this);
+    cameraListDock->setAllowedAreas(SideAreas);
+    addDockWidget(Qt::LeftDockWidgetArea, cameraListDock);
 }
 
 void MainWindow::createBadpixelListDock()
@@ -68,7 +77,54 @@ void MainWindow::createBadpixelListDock()
     badpixelTable->setTextElideMode(Qt::ElideNone); // four digits just fit
     connect(badpixelTable, &QTableView::customContextMenuRequested, this,
             &MainWindow::showBadpixelListContextMenu);
-    badpixelListDock = createListDock(tr("Hot pixel list"), "BadpixelListDock", badpixelTable);
+    badpixelListDock = createDock(tr("Hot pixel list"), "BadpixelListDock", badpixelTable, this);
+    badpixelListDock->setAllowedAreas(SideAreas);
+    addDockWidget(Qt::LeftDockWidgetArea, badpixelListDock);
+}
+
+void MainWindow::createMagnifierDock()
+{
+    magnifierControl = new MagnifierControl;
+    magnifierDock = createDock(tr("Magnifier"), "MagnifierDock", magnifierControl, this);
+    magnifierDock->setAllowedAreas(SideAreas);
+    const Magnifier *magnifier = magnifierControl->magnifier();
+    connect(magnifierDock.data(), &QObject::destroyed, this, &MainWindow::clearMagnifier);
+    connect(this, &MainWindow::magnifierPositionChanged, magnifier, &Magnifier::setPosition);
+    connect(magnifier, &Magnifier::changePosition, this, &MainWindow::setMagnifierPosition);
+    addDockWidget(Qt::LeftDockWidgetArea, magnifierDock);
+    if (camera.isOpen())
+        magnifierControl->magnifier()->setPosition(magnifierPosition);
+}
+
+/// The dock is gone, and the magnifier with it: from here on the window does without.
+void MainWindow::clearMagnifier()
+{
+    magnifierControl = nullptr;
+}
+
+void MainWindow::createCameraSliderDock()
+{
+    parameterBlock = new ParameterBlockWidget;
+    cameraSliderDock = createDock(tr("Camera properties"), "CameraSliderDock", parameterBlock, nullptr);
+    connectCameraSliders();
+    parameterBlock->setEnabled(false);
+    addDockWidget(Qt::LeftDockWidgetArea, cameraSliderDock);
+}
+
+/// No signal is blocked on the way round: controls report values that the camera clamps, and the camera's busy
+/// flags end the loop. The pixel clock has no control.
+void MainWindow::connectCameraSliders()
+{
+    DoubleParameterWidget *framerate = parameterBlock->framerate();
+    DoubleParameterWidget *exposure = parameterBlock->exposure();
+    ParameterWidget *mastergain = parameterBlock->mastergain();
+    connect(framerate, &DoubleParameterWidget::valueChanged, &camera, &Camera::setFramerate);
+    connect(&camera, &Camera::framerateChanged, framerate, &DoubleParameterWidget::setParam);
+    connect(exposure, &DoubleParameterWidget::valueChanged, &camera, &Camera::setExposure);
+    connect(&camera, &Camera::exposureChanged, exposure, &DoubleParameterWidget::setParam);
+    connect(mastergain, &ParameterWidget::valueChanged, &camera, &Camera::setMastergain);
+    connect(&camera, &Camera::mastergainChanged, mastergain, &ParameterWidget::setParam);
+    connect(this, &MainWindow::cameraOpened, parameterBlock.data(), &QWidget::setEnabled);
 }
 
 /// Kept: a context menu lives on as the window's child after it has closed.
@@ -90,20 +146,36 @@ void MainWindow::showBadpixelListContextMenu(QPoint)
     menu->exec(QCursor::pos());
 }
 
+void MainWindow::flipVisibility(QDockWidget *dock)
+{
+    if (dock)
+        dock->setVisible(!dock->isVisible());
+}
+
 void MainWindow::onShowHideCameraListDock()
 {
-    if (cameraListDock)
-        cameraListDock->setVisible(!cameraListDock->isVisible());
+    flipVisibility(cameraListDock);
 }
 
 void MainWindow::onShowHideBadpixelListDock()
 {
-    if (badpixelListDock)
-        badpixelListDock->setVisible(!badpixelListDock->isVisible());
+    flipVisibility(badpixelListDock);
+}
+
+void MainWindow::onShowHideMagnifierDock()
+{
+    flipVisibility(magnifierDock);
+}
+
+void MainWindow::onShowHideCameraSliderDock()
+{
+    flipVisibility(cameraSliderDock);
 }
 
 void MainWindow::onMenuShow()
 {
     showCameraListAction->setChecked(cameraListDock && cameraListDock->isVisible());
     showBadpixelListAction->setChecked(badpixelListDock && badpixelListDock->isVisible());
+    showMagnifierAction->setChecked(magnifierDock && magnifierDock->isVisible());
+    showCameraSliderAction->setChecked(cameraSliderDock && cameraSliderDock->isVisible());
 }

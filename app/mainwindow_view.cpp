@@ -3,6 +3,8 @@
 
 #include "mainwindow.h"
 
+#include "magnifier.h"
+#include "magnifiercontrol.h"
 #include "ui_mainwindow.h"
 
 #include <QItemSelectionModel>
@@ -24,6 +26,8 @@ void MainWindow::newImage(QImage &image)
 {
     guard([&] {
         imageSize = image.size();
+        if (magnifierControl)
+            magnifierControl->magnifier()->setImage(image);
         form->display->setImage(image);
         if (detecting)
             captureDarkFrame(image);
