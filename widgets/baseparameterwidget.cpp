@@ -27,6 +27,7 @@ void BaseParameterWidget::setEnabled(bool enabled)
 void BaseParameterWidget::setText(QString text)
 {
     labelWidget->setText(text);
+    sliderWidget->setAccessibleName(text); // the label is the spin box's buddy, it can have but one
 }
 
 void BaseParameterWidget::deleteUnplaced(QWidget *widget)

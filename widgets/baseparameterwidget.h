@@ -24,16 +24,35 @@ public:
     void setEnabled(bool enabled);
 
 public slots:
-    /// Sets the label's text.
+    /// Sets the label's text, which names the slider too where names are read out.
     void setText(QString text);
 
 protected:
     /// Deletes a widget that no layout has taken over.
     static void deleteUnplaced(QWidget *widget);
 
-    bool emitEnabled = true; // false while slider and spin box copy a value to each other
+    /// Lets the control report nothing for its own life. Where two meet, the end of the first ends the other's
+    /// silence too.
+    class Silence final
+    {
+    public:
+        explicit Silence(BaseParameterWidget &owner)
+            : control(owner)
+        {
+            control.emitEnabled = false;
+        }
+        ~Silence() { control.emitEnabled = true; }
+        Silence(const Silence &) = delete;
+        Silence &operator=(const Silence &) = delete;
+
+    private:
+        BaseParameterWidget &control;
+    };
+
+    bool mayEmit() const { return emitEnabled; }
 
 private:
+    bool emitEnabled = true; // false while slider and spin box copy a value to each other
     QPointer<QLabel> labelWidget;
     QPointer<QSlider> sliderWidget;
 };

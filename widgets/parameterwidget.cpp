@@ -3,30 +3,13 @@
 
 #include "parameterwidget.h"
 
+#include "busyflag.h"
+
 #include <QSignalBlocker>
 
 namespace {
 
 bool changingValue = false; // shared by all controls of the class
-
-/// Sets a flag for its own life, also when a receiver throws.
-class FlagSetter
-{
-public:
-    FlagSetter(bool &target, bool during)
-        : flag(target)
-        , before(target)
-    {
-        flag = during;
-    }
-    ~FlagSetter() { flag = before; }
-    FlagSetter(const FlagSetter &) = delete;
-    FlagSetter &operator=(const FlagSetter &) = delete;
-
-private:
-    bool &flag;
-    const bool before;
-};
 
 constexpr auto SpinBoxChanged = static_cast<void (QSpinBox::*)(int)>(&QSpinBox::valueChanged);
 
@@ -59,8 +42,8 @@ void ParameterWidget::changeValue(int value)
 {
     if (changingValue)
         return;
-    const FlagSetter busy(changingValue, true);
-    const FlagSetter silent(emitEnabled, false);
+    const FlagSetter busy(changingValue);
+    const Silence silent(*this);
     const QSignalBlocker sliderBlocked(slider());
     const QSignalBlocker spinBoxBlocked(spinBox());
     slider()->setValue(value);
@@ -69,7 +52,7 @@ void ParameterWidget::changeValue(int value)
 
 void ParameterWidget::emitValueChanged()
 {
-    if (emitEnabled)
+    if (mayEmit())
         emit valueChanged(spinBox()->value());
 }
 
