@@ -20,6 +20,16 @@ constexpr int RefreshMilliseconds = 1000;
 MainWindow::MainWindow(QWidget *parent)
     : QMainWindow(parent), form(std::make_unique<Ui::MainWindow>()), cameraList(RefreshMilliseconds, nullptr)
 {
+    try {
+        build();
+    } catch (...) {
+        takeDown();
+        throw;
+    }
+}
+
+void MainWindow::build()
+{
     Q_INIT_RESOURCE(speckmend); // the icons are compiled into a static library
     form->setupUi(this);
     setWindowTitle(tr("Kelvo Speckmend"));
@@ -40,7 +50,13 @@ MainWindow::MainWindow(QWidget *parent)
 
 MainWindow::~MainWindow()
 {
-    if (magnifierDock) // it outlives this part of the window and must not call back
+    takeDown();
+}
+
+/// What must go before the members do; docks outlive them and must not call back.
+void MainWindow::takeDown()
+{
+    if (magnifierDock)
         disconnect(magnifierDock.data(), nullptr, this, nullptr);
     delete cameraSelection;
     delete badpixelSelection;

@@ -87,6 +87,9 @@ protected:
 private:
     struct Zoom;
 
+    void build();
+    void takeDown();
+
     // construction, in this order
     void createSelectionModels();
     void createActions();

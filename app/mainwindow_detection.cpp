@@ -49,6 +49,9 @@ void MainWindow::openDetectDialog()
     connect(this, &MainWindow::detectionProgress, dialogue, &DetectionDialogue::updateProgress);
     connect(dialogue, &DetectionDialogue::finished, this, &MainWindow::dropRun);
     dialogue->exec();
+    if (!dialogue) // the window went meanwhile, and took it along
+        return;
+    dropRun();
     delete dialogue;
 }
 

@@ -11,6 +11,7 @@
 #include <QMenu>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QStatusBar>
 #include <QtTest>
 
 class TestHotpixelWork : public QObject
@@ -388,6 +389,7 @@ void TestHotpixelWork::writingAsksAndStoresTheUserEntries()
 {
     add(33, 44);
     add(50, 51);
+    bench.window->statusBar()->clearMessage();
     QString text;
     WindowDriver::whenModal([&](QWidget *modal) {
         auto *box = qobject_cast<QMessageBox *>(modal);
@@ -418,6 +420,7 @@ void TestHotpixelWork::answeringNoWritesNothing()
 void TestHotpixelWork::aFailedWriteIsShownInABoxAndInTheStatusBar()
 {
     add(33, 44);
+    bench.window->statusBar()->clearMessage();
     kelvosim::failCall("vx_HotPixel", 1, 9, "EEPROM busy", 33036);
     QString title;
     QString text;

@@ -98,7 +98,8 @@ void TestMainWindow::actionsHaveTheirTextsIconsAndStates_data()
     const QStringList enabledAtStart{"highlightAction",  "clearBadpixelAction", "zoom1to1Action",
                                      "zoom2to1Action",   "zoom4to1Action",      "zoom1to2Action",
                                      "zoom1to4Action",   "exitAction",          "showCameraListAction",
-                                     "showBadpixelListAction"};
+                                     "showBadpixelListAction", "showMagnifierAction",
+                                     "showCameraSliderAction"};
     const auto row = [&](const char *name, const char *text, bool icon, const char *shortcut, bool checkable,
                          bool checked) {
         QTest::newRow(name) << QString(name) << QString(text) << icon << QString(shortcut) << checkable << checked
@@ -123,6 +124,8 @@ void TestMainWindow::actionsHaveTheirTextsIconsAndStates_data()
     row("exitAction", "E&xit", true, "", false, false);
     row("showCameraListAction", "Camera list", true, "", true, false);
     row("showBadpixelListAction", "Hot pixel list", true, "", true, false);
+    row("showMagnifierAction", "Magnifier", true, "", true, false);
+    row("showCameraSliderAction", "Camera properties", true, "", true, false);
 }
 
 void TestMainWindow::actionsHaveTheirTextsIconsAndStates()
@@ -153,7 +156,7 @@ void TestMainWindow::menusAreInOrder()
     QCOMPARE(textsOf(menus.at(0)->menu()->actions()),
              (QStringList{"&Open camera", "&Close camera", "-", "E&xit"}));
     QCOMPARE(textsOf(menus.at(1)->menu()->actions()),
-             (QStringList{"Camera list", "Hot pixel list", "-", "&Highlight"}));
+             (QStringList{"Camera list", "Hot pixel list", "Magnifier", "Camera properties", "-", "&Highlight"}));
 }
 
 void TestMainWindow::toolBarIsInOrder()
@@ -378,7 +381,8 @@ void TestMainWindow::everySlotStandsBeingCalledWithoutACamera_data()
     for (const char *slot : {"openCamera", "closeCamera", "updateCameraActions", "onCameraClosed", "addNewBadpixel",
                              "deleteBadpixel", "clearBadpixel", "detectBadpixel", "onMenuShow", "onCameraReconnect",
                              "onCameraDisconnect", "onHotpixelCorrection", "onShowHideCameraListDock",
-                             "onShowHideBadpixelListDock"}) {
+                             "onShowHideBadpixelListDock", "onShowHideMagnifierDock", "onShowHideCameraSliderDock",
+                             "clearMagnifier"}) {
         QTest::addRow("%s, empty bench", slot) << slot << false;
         if (qstrcmp(slot, "openCamera") != 0)
             QTest::addRow("%s, none open", slot) << slot << true;
