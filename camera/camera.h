@@ -85,6 +85,27 @@ signals:
     void mastergainChanged(CameraParameter<int> &param);
 
 public slots:
+    // Each setter cuts its value to the setting's range and tells the camera. A setter does nothing while a
+    // call of the same one, on whichever camera, is under way: controls answer a changed signal with a call.
+
+    /// Also refreshes the frame rate and the exposure, whose ranges depend on it.
+    void setPixelclock(int value);
+    /// Kept: maps the value to a step number and sets that number as the pixel clock.
+    void setPixelclockRelative(int value);
+
+    /// In frames per second. Also refreshes the exposure, whose range depends on it.
+    void setFramerate(double value);
+    /// Kept: maps the value to a step number and sets that number as the frame rate.
+    void setFramerateRelative(int value);
+
+    /// In the library's unit, milliseconds on the simulated cameras.
+    void setExposure(double value);
+    /// Kept: maps the value to a step number and sets that number as the exposure.
+    void setExposureRelative(int value);
+
+    /// 0 to 100; leaves the gains of the colours alone.
+    void setMastergain(int value);
+
     /// Switches the camera's own hot pixel correction, at the highest frame rate, and restarts capture.
     void setBadPixelCorrection(bool enable);
 
@@ -105,6 +126,7 @@ private:
     void chooseImageArea();
     void startLiveImages();
     void readDefaults();
+    void announceMastergain(int value);
     void handleEvent(int event);
     void receiveFrame();
     void emitImage(QImage image);

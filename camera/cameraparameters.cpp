@@ -3,9 +3,33 @@
 
 #include "camera.h"
 
+#include "busyflag.h"
 #include "lasterror.h"
+#include "truncate.h"
 
 namespace {
+
+// One for each setting, whichever camera it is of: that setter is under way.
+bool settingPixelclock = false;
+bool settingFramerate = false;
+bool settingExposure = false;
+bool settingMastergain = false;
+
+/// The value cut to the setting's range. Defined for ranges upside down and for what is no number, too, which
+/// the standard library's way is not.
+template<typename T>
+T clamped(T value, const CameraParameter<T> &param)
+{
+    return value < param.min ? param.min : (value < param.max ? value : param.max);
+}
+
+/// The step of the setting's range that the value lies on, cut toward zero. A double holds the difference and
+/// the quotient of any two whole numbers exactly enough, and dividing by an increment of 0 does no harm.
+template<typename T>
+int stepNumber(int value, const CameraParameter<T> &param)
+{
+    return truncated((static_cast<double>(value) - param.min) / param.increment);
+}
 
 /// Frame times in seconds; 1.0 where the library does not tell.
 struct FrameTimes
@@ -23,6 +47,82 @@ FrameTimes frameTimes(kelvo::Handle handle)
 }
 
 } // namespace
+
+void Camera::setPixelclock(int value)
+{
+    if (settingPixelclock)
+        return;
+    const FlagSetter busy(settingPixelclock);
+    const int wanted = clamped(value, pixelclock);
+    if (wanted != pixelclock.value) {
+        pixelclock.value = wanted;
+        emit pixelclockChanged(pixelclock);
+    }
+    vx_SetPixelClock(cameraHandle, pixelclock.value);
+    updateFramerate();
+}
+
+void Camera::setPixelclockRelative(int value)
+{
+    setPixelclock(stepNumber(value, pixelclock));
+}
+
+void Camera::setFramerate(double value)
+{
+    if (settingFramerate)
+        return;
+    const FlagSetter busy(settingFramerate);
+    const double wanted = clamped(value, framerate);
+    if (wanted != framerate.value) {
+        framerate.value = wanted;
+        vx_SetFrameRate(cameraHandle, wanted, &framerate.value);
+        emit framerateChanged(framerate);
+    }
+    updateExposure();
+}
+
+void Camera::setFramerateRelative(int value)
+{
+    setFramerate(stepNumber(value, framerate));
+}
+
+void Camera::setExposure(double value)
+{
+    if (settingExposure)
+        return;
+    const FlagSetter busy(settingExposure);
+    const double wanted = clamped(value, exposure);
+    if (wanted != exposure.value) {
+        exposure.value = wanted;
+        emit exposureChanged(exposure);
+    }
+    // What the camera makes of it is kept and not announced again.
+    vx_SetExposureTime(cameraHandle, exposure.value, &exposure.value);
+}
+
+void Camera::setExposureRelative(int value)
+{
+    setExposure(stepNumber(value, exposure));
+}
+
+void Camera::setMastergain(int value)
+{
+    if (settingMastergain)
+        return;
+    const FlagSetter busy(settingMastergain);
+    announceMastergain(value);
+    vx_SetHardwareGain(cameraHandle, mastergain.value, kelvo::GainUnchanged, kelvo::GainUnchanged,
+                       kelvo::GainUnchanged);
+}
+
+void Camera::announceMastergain(int value)
+{
+    const int wanted = clamped(value, mastergain);
+    if (wanted != mastergain.value) {
+        mastergain.value = wanted;
+        emit mastergainChanged(mastergain);
+    }
+}
 
 void Camera::updatePixelclock()
 {

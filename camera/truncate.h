@@ -2,6 +2,7 @@
 // The one way from a broken number to a whole one.
 #pragma once
 
+#include <cmath>
 #include <limits>
 
 /// Cut toward zero, for every number there is: what an int cannot hold becomes the end of the range that it
@@ -12,5 +13,5 @@ inline int truncated(double value)
         return std::numeric_limits<int>::max();
     if (value <= std::numeric_limits<int>::min())
         return std::numeric_limits<int>::min();
-    return value == value ? static_cast<int>(value) : 0;
+    return std::isnan(value) ? 0 : static_cast<int>(value);
 }
