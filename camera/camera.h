@@ -12,6 +12,10 @@
 #include <QObject>
 #include <QString>
 
+#include <optional>
+
+struct SensorSettings;
+
 /// One camera device, opened and closed in place. Lives on the GUI thread, as do all its operations.
 class Camera final : public QObject
 {
@@ -116,6 +120,10 @@ public slots:
     void updateExposure();
     void updateMastergain();
 
+    /// Gives the open camera the settings of "cameraparameter.xml" in the current directory, or ones for
+    /// finding hot pixels when that holds no complete entry for its sensor.
+    void setAutoConfig();
+
     /// Handles one event of the camera library; codes that mean nothing here are ignored.
     void eventReceived(int event);
 
@@ -126,6 +134,11 @@ private:
     void chooseImageArea();
     void startLiveImages();
     void readDefaults();
+    std::optional<SensorSettings> readSettings();
+    void applySettings(const SensorSettings &settings);
+    void applyDefaults();
+    void slowPixelclockDown();
+    void setGains(const SensorSettings &settings);
     void announceMastergain(int value);
     void handleEvent(int event);
     void receiveFrame();

@@ -5,6 +5,7 @@
 
 #include "busyflag.h"
 #include "lasterror.h"
+#include "parameterfile.h"
 #include "truncate.h"
 
 namespace {
@@ -113,6 +114,15 @@ void Camera::setMastergain(int value)
     announceMastergain(value);
     vx_SetHardwareGain(cameraHandle, mastergain.value, kelvo::GainUnchanged, kelvo::GainUnchanged,
                        kelvo::GainUnchanged);
+}
+
+/// Kept: the camera gets the master gain of the file as it is, whatever the parameter shows, and is told also
+/// while a call of setMastergain() is under way.
+void Camera::setGains(const SensorSettings &settings)
+{
+    announceMastergain(settings.masterGain);
+    vx_SetHardwareGain(cameraHandle, settings.masterGain, settings.redGain, settings.greenGain,
+                       settings.blueGain);
 }
 
 void Camera::announceMastergain(int value)

@@ -142,7 +142,7 @@ void TestCameraSetters::theSlotsAreDeclaredInOrder()
              (QStringList{"setPixelclock(int)", "setPixelclockRelative(int)", "setFramerate(double)",
                           "setFramerateRelative(int)", "setExposure(double)", "setExposureRelative(int)",
                           "setMastergain(int)", "setBadPixelCorrection(bool)", "updatePixelclock()",
-                          "updateFramerate()", "updateExposure()", "updateMastergain()",
+                          "updateFramerate()", "updateExposure()", "updateMastergain()", "setAutoConfig()",
                           "eventReceived(int)"}));
 }
 
