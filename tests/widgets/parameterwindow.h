@@ -42,6 +42,16 @@ inline QPoint arrowOf(const QAbstractSpinBox *box, QStyle::SubControl arrow)
     return box->style()->subControlRect(QStyle::CC_SpinBox, &option, arrow, box).center();
 }
 
+/// The part of the spin box that goes on signalling in the middle of a copy, when the others are blocked.
+inline QObject *innerEdit(const QAbstractSpinBox *box)
+{
+    for (QObject *child : box->findChildren<QObject *>()) {
+        if (child->inherits("QWidgetLineControl"))
+            return child;
+    }
+    return nullptr;
+}
+
 /// Notches away from the person are positive.
 inline void turnWheel(QWidget *widget, int notches)
 {

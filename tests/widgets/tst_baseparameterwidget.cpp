@@ -14,6 +14,7 @@ class TestBaseParameterWidget : public QObject
 private slots:
     void startsWithAHorizontalSliderOfStepsOneAndFour();
     void setTextSetsTheLabel();
+    void theSliderIsReadAloudByTheLabelsText();
     void setEnabledReachesLabelAndSlider();
     void widgetsThatWereNeverPlacedDieWithTheControl();
     void placedWidgetsBelongToTheirWindow();
@@ -35,6 +36,13 @@ void TestBaseParameterWidget::setTextSetsTheLabel()
     BaseParameterWidget control;
     control.setText("Mastergain");
     QCOMPARE(control.label()->text(), QString("Mastergain"));
+}
+
+void TestBaseParameterWidget::theSliderIsReadAloudByTheLabelsText()
+{
+    BaseParameterWidget control;
+    control.setText("Mastergain");
+    QCOMPARE(control.slider()->accessibleName(), QString("Mastergain"));
 }
 
 void TestBaseParameterWidget::setEnabledReachesLabelAndSlider()

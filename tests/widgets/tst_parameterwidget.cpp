@@ -2,8 +2,7 @@
 // Tests of the control for a whole number: who follows whom, and what is reported when.
 #include "parameterwidget.h"
 
-#include <QHBoxLayout>
-#include <QtTest>
+#include "parameterwindow.h"
 
 #include <functional>
 #include <memory>
@@ -14,16 +13,6 @@
 #endif
 
 namespace {
-
-/// The part of the spin box that goes on signalling in the middle of a copy, when the others are blocked.
-QObject *innerEdit(const ParameterWidget &control)
-{
-    for (QObject *child : control.spinBox()->findChildren<QObject *>()) {
-        if (child->inherits("QWidgetLineControl"))
-            return child;
-    }
-    return nullptr;
-}
 
 void setRange(ParameterWidget *control, int min, int max, int value)
 {
@@ -50,7 +39,11 @@ private slots:
     void typingReportsOnceAndMovesTheSlider();
     void steppingReportsOnceAndMovesTheSlider();
     void draggingMovesTheSpinBoxAndReportsOnRelease();
+    void draggingByMouseReportsOnceOnRelease();
     void keysOnTheSliderMoveTheSpinBoxAndReportNothing();
+    void theWheelOnTheSliderMovesTheSpinBoxAndReportsNothing();
+    void theWheelOnTheSpinBoxReportsEachTurn();
+    void eachTypedDigitIsReported();
     void changeValueMovesBothAndReportsNothing();
     void theSliderFollowsBeforeTheValueIsReported();
     void emitValueChangedReportsTheSpinBoxExceptDuringACopy();
@@ -66,7 +59,7 @@ private:
     void interruptCopies(const ParameterWidget &control, const std::function<void()> &work)
     {
         whileCopying = work;
-        QVERIFY(connect(innerEdit(control), SIGNAL(textChanged(QString)), this, SLOT(interrupt())));
+        QVERIFY(connect(innerEdit(control.spinBox()), SIGNAL(textChanged(QString)), this, SLOT(interrupt())));
     }
 
     std::function<void()> whileCopying;
@@ -177,6 +170,61 @@ void TestParameterWidget::draggingMovesTheSpinBoxAndReportsOnRelease()
     control.slider()->setSliderDown(false);
     QCOMPARE(reported.count(), 1);
     QCOMPARE(reported.at(0).at(0).toInt(), 61);
+}
+
+void TestParameterWidget::draggingByMouseReportsOnceOnRelease()
+{
+    ParameterWindow<ParameterWidget> shown;
+    QVERIFY(shown.show());
+    shown.set(0, 100, 1, 10);
+    QSignalSpy reported(&shown.control, &ParameterWidget::valueChanged);
+    const auto follows = [&](int position) {
+        QCOMPARE(shown.control.spinBox()->value(), position);
+        QCOMPARE(reported.count(), 0);
+    };
+    dragHandle(shown.control.slider(), {20, 61, 100, 35}, follows);
+    QCOMPARE(reported.count(), 1);
+    QCOMPARE(reported.at(0).at(0).toInt(), 35);
+}
+
+void TestParameterWidget::theWheelOnTheSliderMovesTheSpinBoxAndReportsNothing()
+{
+    ParameterWindow<ParameterWidget> shown;
+    QVERIFY(shown.show());
+    shown.set(0, 100, 1, 10);
+    QSignalSpy reported(&shown.control, &ParameterWidget::valueChanged);
+    turnWheel(shown.control.slider(), 1);
+    QVERIFY(shown.control.slider()->value() > 10);
+    QCOMPARE(shown.control.spinBox()->value(), shown.control.slider()->value());
+    QCOMPARE(reported.count(), 0);
+}
+
+void TestParameterWidget::theWheelOnTheSpinBoxReportsEachTurn()
+{
+    ParameterWindow<ParameterWidget> shown;
+    QVERIFY(shown.show());
+    shown.set(0, 100, 1, 10);
+    QSignalSpy reported(&shown.control, &ParameterWidget::valueChanged);
+    turnWheel(shown.control.spinBox(), 1);
+    turnWheel(shown.control.spinBox(), -3);
+    QCOMPARE(reported.count(), 2);
+    QCOMPARE(reported.at(0).at(0).toInt(), 11);
+    QCOMPARE(reported.at(1).at(0).toInt(), 8);
+}
+
+void TestParameterWidget::eachTypedDigitIsReported()
+{
+    ParameterWindow<ParameterWidget> shown;
+    QVERIFY(shown.show());
+    shown.set(0, 100, 1, 10);
+    QSignalSpy reported(&shown.control, &ParameterWidget::valueChanged);
+    shown.control.spinBox()->setFocus();
+    shown.control.spinBox()->selectAll();
+    QTest::keyClicks(shown.control.spinBox(), "42");
+    QCOMPARE(reported.count(), 2);
+    QCOMPARE(reported.at(0).at(0).toInt(), 4);
+    QCOMPARE(reported.at(1).at(0).toInt(), 42);
+    QCOMPARE(shown.control.slider()->value(), 42);
 }
 
 void TestParameterWidget::keysOnTheSliderMoveTheSpinBoxAndReportNothing()
