@@ -4,9 +4,12 @@
 
 #include "kelvosim.h"
 
+#include <QCoreApplication>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -53,6 +56,45 @@ inline QStringList plainCalls()
     for (const QString &name : calls())
         names << name.section(' ', 0, 0);
     return names;
+}
+
+/// The logged calls of all threads with this name, "vx_Event 1", or of this function with any command.
+inline std::vector<kelvosim::Call> callsNamed(const std::string &name)
+{
+    std::vector<kelvosim::Call> found;
+    for (const kelvosim::Call &call : kelvosim::log()) {
+        if (call.function == name || kelvosim::name(call) == name)
+            found.push_back(call);
+    }
+    return found;
+}
+
+/// The first numbers of these calls: "wait" of vx_CaptureVideo, the wanted rate of vx_SetFrameRate.
+inline std::vector<double> firstNumbers(const std::vector<kelvosim::Call> &calls)
+{
+    std::vector<double> numbers;
+    for (const kelvosim::Call &call : calls)
+        numbers.push_back(call.numbers.at(0));
+    return numbers;
+}
+
+/// The event codes that a call was given.
+inline std::vector<std::uint32_t> eventCodes(const kelvosim::Call &call)
+{
+    std::vector<std::uint32_t> codes(call.data.size() / sizeof(std::uint32_t));
+    std::memcpy(codes.data(), call.data.data(), codes.size() * sizeof(std::uint32_t));
+    return codes;
+}
+
+/// Turns the event loop until what is in the queue, and the timers of no time that it starts, had their turn.
+inline void turnEventLoop()
+{
+    for (int round = 0; round < 10; ++round) {
+        bool over = false;
+        QTimer::singleShot(0, [&] { over = true; });
+        while (!over)
+            QCoreApplication::processEvents();
+    }
 }
 
 /// A frame of one grey value.

@@ -47,6 +47,9 @@ private slots:
     void stopEndsTheWaitAndDisablesTheEvents();
     void destructionEndsTheThread();
     void aSecondStartReplacesTheList();
+    void theThreadRunsAtTheHighestPriority();
+    void aSignalledWakeCodeIsEmittedLikeAnyOther();
+    void withoutHoldingBackEveryWaitIsEmitted_data();
     void withoutHoldingBackEveryWaitIsEmitted();
     void atMostOneHeldBackEventIsOnItsWay();
     void otherEventsPassAHeldBackOne();
@@ -198,19 +201,48 @@ void TestEventThread::aSecondStartReplacesTheList()
     EventThread thread;
     Receiver receiver(&thread);
     thread.start(0, {129});
+    QTRY_COMPARE(kelvosim::waitingThreads(), 1);
     thread.start(0, {130});
     kelvosim::signalDeviceEvent(129);
     kelvosim::signalDeviceEvent(130);
     QTRY_COMPARE(receiver.events, QVector<int>{130});
 }
 
-void TestEventThread::withoutHoldingBackEveryWaitIsEmitted()
+void TestEventThread::theThreadRunsAtTheHighestPriority()
 {
     EventThread thread;
+    thread.start(0, {130});
+    QTRY_COMPARE(kelvosim::waitingThreads(), 1);
+    QCOMPARE(thread.priority(), QThread::TimeCriticalPriority);
+}
+
+void TestEventThread::aSignalledWakeCodeIsEmittedLikeAnyOther()
+{
+    EventThread thread;
+    const std::uint32_t wakeCode = codeOf(thread);
     Receiver receiver(&thread);
-    thread.start(0, {2});
+    thread.start(0, {130});
+    kelvosim::signalDeviceEvent(wakeCode);
+    QTRY_COMPARE(receiver.events, QVector<int>{int(wakeCode)});
+    kelvosim::signalDeviceEvent(130);
+    QTRY_COMPARE(receiver.events, (QVector<int>{int(wakeCode), 130}));
+}
+
+void TestEventThread::withoutHoldingBackEveryWaitIsEmitted_data()
+{
+    QTest::addColumn<int>("code");
+    QTest::newRow("frame") << 2;
+    QTest::newRow("code 0") << 0; // the value that stands for no held-back event
+}
+
+void TestEventThread::withoutHoldingBackEveryWaitIsEmitted()
+{
+    QFETCH(int, code);
+    EventThread thread;
+    Receiver receiver(&thread);
+    thread.start(0, {std::uint32_t(code)});
     for (int i = 1; i <= 20; ++i) {
-        kelvosim::signalDeviceEvent(2);
+        kelvosim::signalDeviceEvent(std::uint32_t(code));
         QTRY_COMPARE(receiver.events.count(), i);
     }
 }
