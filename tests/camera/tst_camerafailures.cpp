@@ -7,6 +7,7 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace {
@@ -25,6 +26,40 @@ QString failureOf(Camera &camera, int device = testcamera::Device)
     return QString();
 }
 
+/// What close() calls for a camera that got so far.
+QStringList callsOfClosing(bool eventsStarted, int buffers)
+{
+    QStringList calls{"vx_StopLiveVideo"};
+    if (eventsStarted)
+        calls << "vx_Event 5";
+    if (buffers > 0)
+        calls << "vx_ClearSequence";
+    for (int i = 0; i < buffers; ++i)
+        calls << "vx_FreeImageMem";
+    return calls << "vx_ExitCamera";
+}
+
+/// The calls of this thread after the last one of this function.
+QStringList callsAfter(const QString &function)
+{
+    return testcamera::calls().mid(testcamera::plainCalls().lastIndexOf(function) + 1);
+}
+
+/// Counts what a camera emits when it is closed.
+class Closings : public QObject
+{
+public:
+    explicit Closings(Camera &camera)
+    {
+        connect(&camera, &Camera::newImage, this,
+                [this](QImage &image) { nullImages += image.isNull() ? 1 : 0; });
+        connect(&camera, &Camera::cameraClosed, this, [this] { ++closed; });
+    }
+
+    int nullImages = 0;
+    int closed = 0;
+};
+
 } // namespace
 
 class TestCameraFailures : public QObject
@@ -38,12 +73,14 @@ private slots:
     void eachFailingCallLeavesTheCameraClosed();
     void failingEventsDoNotKeepACameraFromOpening_data();
     void failingEventsDoNotKeepACameraFromOpening();
+    void ignoredFailuresDoNotKeepACameraFromOpening_data();
+    void ignoredFailuresDoNotKeepACameraFromOpening();
+    void aFailedOpenWhileOpenLeavesNothingOpen();
     void anUnknownColourModeIsRefused_data();
     void anUnknownColourModeIsRefused();
     void refusedSensorsLeaveNoHandleOpen_data();
     void refusedSensorsLeaveNoHandleOpen();
     void aFailedRetryAfterAFirmwareUploadIsReported();
-    void closeCallsAfterALateFailure();
 };
 
 void TestCameraFailures::eachFailingCallLeavesTheCameraClosed_data()
@@ -52,22 +89,28 @@ void TestCameraFailures::eachFailingCallLeavesTheCameraClosed_data()
     QTest::addColumn<int>("nth");
     QTest::addColumn<int>("command");
     QTest::addColumn<QString>("fixedText"); // empty: the library's text
+    QTest::addColumn<QStringList>("callsAfterwards");
 
     const int any = static_cast<int>(kelvosim::AnyCommand);
-    QTest::newRow("init") << "vx_InitCamera" << 1 << any << "Could not initialize camera.";
-    QTest::newRow("sensor") << "vx_GetSensorInfo" << 1 << any << "";
-    QTest::newRow("colour mode") << "vx_SetColorMode" << 1 << 11 << "";
-    QTest::newRow("maximum size") << "vx_AOI" << 1 << 16 << "";
-    QTest::newRow("image area") << "vx_AOI" << 1 << 1 << "";
+    const QStringList noBuffer = callsOfClosing(false, 0);
+    const QStringList complete = callsOfClosing(true, 3);
+    QTest::newRow("init") << "vx_InitCamera" << 1 << any << "Could not initialize camera." << QStringList();
+    QTest::newRow("sensor") << "vx_GetSensorInfo" << 1 << any << "" << noBuffer;
+    QTest::newRow("colour mode") << "vx_SetColorMode" << 1 << 11 << "" << noBuffer;
+    QTest::newRow("maximum size") << "vx_AOI" << 1 << 16 << "" << noBuffer;
+    QTest::newRow("image area") << "vx_AOI" << 1 << 1 << "" << noBuffer;
     for (int n = 1; n <= 3; ++n) {
-        QTest::addRow("memory %d", n) << "vx_AllocImageMem" << n << any << "Can't allocate image memory.";
-        QTest::addRow("sequence %d", n) << "vx_AddToSequence" << n << any << "Can't add buffer to sequence.";
+        const QStringList joined = callsOfClosing(false, n - 1);
+        QTest::addRow("memory %d", n)
+            << "vx_AllocImageMem" << n << any << "Can't allocate image memory." << joined;
+        QTest::addRow("sequence %d", n) << "vx_AddToSequence" << n << any << "Can't add buffer to sequence."
+                                        << QStringList{"vx_FreeImageMem"} + joined;
     }
-    QTest::newRow("capture") << "vx_CaptureVideo" << 1 << any << "";
-    QTest::newRow("frame rate") << "vx_GetFramesPerSecond" << 1 << any << "";
-    QTest::newRow("default exposure") << "vx_SetExposureTime" << 1 << 32769 << "";
-    QTest::newRow("clock range") << "vx_GetPixelClockRange" << 1 << any << "";
-    QTest::newRow("clock") << "vx_SetPixelClock" << 2 << any << "";
+    QTest::newRow("capture") << "vx_CaptureVideo" << 1 << any << "" << complete;
+    QTest::newRow("frame rate") << "vx_GetFramesPerSecond" << 1 << any << "" << complete;
+    QTest::newRow("default exposure") << "vx_SetExposureTime" << 1 << 32769 << "" << complete;
+    QTest::newRow("clock range") << "vx_GetPixelClockRange" << 1 << any << "" << complete;
+    QTest::newRow("clock") << "vx_SetPixelClock" << 2 << any << "" << complete;
 }
 
 void TestCameraFailures::eachFailingCallLeavesTheCameraClosed()
@@ -76,13 +119,20 @@ void TestCameraFailures::eachFailingCallLeavesTheCameraClosed()
     QFETCH(int, nth);
     QFETCH(int, command);
     QFETCH(QString, fixedText);
+    QFETCH(QStringList, callsAfterwards);
 
     Camera camera;
+    const int closings = callsAfterwards.isEmpty() ? 0 : 1;
     for (const char *text : {LibraryText, ""}) {
+        const Closings counted(camera);
         kelvosim::failCall(function.toStdString(), nth, 61, text, command);
+        kelvosim::clearLog();
         const QString expected = !fixedText.isEmpty() ? fixedText : *text ? QString(text) : QString(NoText);
         QCOMPARE(failureOf(camera), expected);
         QVERIFY(!camera.isOpen());
+        QCOMPARE(callsAfter(function), callsAfterwards);
+        QCOMPARE(counted.nullImages, closings);
+        QCOMPARE(counted.closed, closings);
         QVERIFY(testcamera::nothingHeld());
         kelvosim::clearFaults();
         QCOMPARE(failureOf(camera), QString());
@@ -106,6 +156,59 @@ void TestCameraFailures::failingEventsDoNotKeepACameraFromOpening()
     kelvosim::failCall("vx_Event", 1, 5, LibraryText, command);
     QCOMPARE(failureOf(camera), QString());
     QVERIFY(camera.isOpen());
+    kelvosim::clearLog();
+    camera.close();
+    QCOMPARE(testcamera::calls(), callsOfClosing(false, 3)); // no thread is there to be woken
+}
+
+void TestCameraFailures::ignoredFailuresDoNotKeepACameraFromOpening_data()
+{
+    QTest::addColumn<QString>("function");
+    QTest::addColumn<int>("nth");
+    QTest::addColumn<int>("command");
+
+    const int any = static_cast<int>(kelvosim::AnyCommand);
+    QTest::newRow("correction off") << "vx_HotPixel" << 1 << 0;
+    QTest::newRow("frame times") << "vx_GetFrameTimeRange" << 1 << any;
+    QTest::newRow("frame rate") << "vx_SetFrameRate" << 1 << any;
+    QTest::newRow("exposure range") << "vx_GetExposureRange" << 1 << any;
+    QTest::newRow("present exposure") << "vx_SetExposureTime" << 1 << 32768;
+    QTest::newRow("exposure") << "vx_SetExposureTime" << 3 << any;
+    QTest::newRow("gain") << "vx_SetHardwareGain" << 1 << 32768;
+}
+
+void TestCameraFailures::ignoredFailuresDoNotKeepACameraFromOpening()
+{
+    QFETCH(QString, function);
+    QFETCH(int, nth);
+    QFETCH(int, command);
+    Camera camera;
+    QSignalSpy errors(&camera, &Camera::displayError);
+    int gains = 0;
+    connect(&camera, &Camera::mastergainChanged, [&] { ++gains; });
+    kelvosim::failCall(function.toStdString(), nth, 61, LibraryText, command);
+    kelvosim::clearLog();
+    QCOMPARE(failureOf(camera), QString());
+    QVERIFY(camera.isOpen());
+    const std::vector<kelvosim::Call> calls = testcamera::callsNamed(function.toStdString());
+    QVERIFY(std::any_of(calls.begin(), calls.end(), [](const auto &call) { return call.result == 61; }));
+    QCOMPARE(testcamera::calls().last(), QString("vx_SetHardwareGain 32768")); // all steps to the last one
+    QCOMPARE(gains, 1);
+    QCOMPARE(errors.count(), 0);
+}
+
+void TestCameraFailures::aFailedOpenWhileOpenLeavesNothingOpen()
+{
+    Camera camera;
+    camera.open(testcamera::Device);
+    const Closings counted(camera);
+    kelvosim::clearLog();
+    QCOMPARE(failureOf(camera, testcamera::Device + 1), QString("Could not initialize camera."));
+    QCOMPARE(testcamera::calls(), callsOfClosing(true, 3) + QStringList{"vx_InitCamera"});
+    QVERIFY(!camera.isOpen());
+    QVERIFY(testcamera::nothingHeld());
+    QCOMPARE(counted.nullImages, 1);
+    QCOMPARE(counted.closed, 1);
 }
 
 void TestCameraFailures::anUnknownColourModeIsRefused_data()
@@ -139,39 +242,30 @@ void TestCameraFailures::refusedSensorsLeaveNoHandleOpen()
     spec.sensorId = static_cast<std::uint16_t>(sensor);
     testcamera::resetTo(spec);
     Camera camera;
-    QSignalSpy closed(&camera, &Camera::cameraClosed);
+    const Closings counted(camera);
     kelvosim::clearLog();
     QCOMPARE(failureOf(camera), QString("Unsupported camera type"));
     QCOMPARE(testcamera::calls(), (QStringList{"vx_InitCamera", "vx_GetSensorInfo", "vx_ExitCamera"}));
     QVERIFY(!camera.isOpen());
     QVERIFY(testcamera::nothingHeld());
-    QCOMPARE(closed.count(), 0);
+    QCOMPARE(counted.nullImages, 0);
+    QCOMPARE(counted.closed, 0);
 }
 
 void TestCameraFailures::aFailedRetryAfterAFirmwareUploadIsReported()
 {
     kelvosim::CameraSpec spec = testcamera::small();
-    spec.firmwareUpload = 10;
+    spec.firmwareUpload = 25000; // nobody waits for it: the retry fails at once
     testcamera::resetTo(spec);
     Camera camera;
+    QSignalSpy errors(&camera, &Camera::displayError);
     kelvosim::failCall("vx_InitCamera", 2, 9, LibraryText);
     QCOMPARE(failureOf(camera), QString("Could not initialize camera."));
+    QCOMPARE(errors.count(), 1);
+    QCOMPARE(errors.first().at(0).toString(),
+             QString("Upload of new firmware required. (approx. 25 seconds)"));
     QVERIFY(!camera.isOpen());
     QVERIFY(testcamera::nothingHeld());
-}
-
-void TestCameraFailures::closeCallsAfterALateFailure()
-{
-    Camera camera;
-    QSignalSpy closed(&camera, &Camera::cameraClosed);
-    kelvosim::failCall("vx_GetPixelClockRange", 1, 3, LibraryText);
-    kelvosim::clearLog();
-    QCOMPARE(failureOf(camera), QString(LibraryText));
-    const QStringList calls = testcamera::calls();
-    QCOMPARE(calls.mid(calls.indexOf("vx_GetPixelClockRange") + 1),
-             (QStringList{"vx_StopLiveVideo", "vx_Event 5", "vx_ClearSequence", "vx_FreeImageMem",
-                          "vx_FreeImageMem", "vx_FreeImageMem", "vx_ExitCamera"}));
-    QCOMPARE(closed.count(), 1);
 }
 
 QTEST_GUILESS_MAIN(TestCameraFailures)
