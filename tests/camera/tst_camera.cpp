@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// One camera: opening and closing call by call, the way of a frame, events, settings at the start.
+// One camera: opening and closing call by call, the way of a frame, events.
 
 #include "camera.h"
 #include "testcamera.h"
@@ -7,6 +7,8 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <algorithm>
+#include <memory>
 #include <stdexcept>
 
 using kelvosim::SensorKind;
@@ -27,6 +29,22 @@ QStringList callsOfClosing()
            QStringList{"vx_ExitCamera"};
 }
 
+/// Waits, without turning the event loop, for this number of waits of the open camera's event thread: one
+/// more than events that it has taken up.
+bool hasWaited(const Camera &camera, int times)
+{
+    const auto isOfCamera = [&](const kelvosim::Call &call) { return call.handle == camera.handle(); };
+    QElapsedTimer timer;
+    timer.start();
+    while (!timer.hasExpired(5000)) {
+        const std::vector<kelvosim::Call> waits = testcamera::callsNamed("vx_Event 7");
+        if (std::count_if(waits.begin(), waits.end(), isOfCamera) >= times)
+            return true;
+        QThread::yieldCurrentThread();
+    }
+    return false;
+}
+
 } // namespace
 
 class TestCamera : public QObject
@@ -37,9 +55,11 @@ private slots:
     void init() { testcamera::resetTo(testcamera::small()); }
 
     void constructionListensForDevices();
+    void constructionNeedsTwoWakeCodes_data();
+    void constructionNeedsTwoWakeCodes();
     void openCallsTheLibraryInOrder();
+    void openRegistersTheCamerasEvents();
     void openedIsAnnouncedBeforeTheSettingsAreRead();
-    void settingsAreAnnouncedInOrder();
     void theDeviceNumberGoesWithItsFlag();
     void closeCallsTheLibraryInOrder();
     void closeEmitsANullImageAndThenClosed();
@@ -60,21 +80,20 @@ private slots:
     void aLockFailureDropsTheFrameSilently();
     void aMissingLastBufferIsReported();
     void aNestedFrameIsCountedButNotEmitted();
+    void aNestedFrameLeavesTheOuterImageInPlace();
     void aReceiverMayCloseTheCamera();
+    void aReceiverMayReopenTheCamera();
     void freezeHandlesASingleFrame();
 
     void eventsBecomeSignals();
     void eventsOfTheOpenCameraNeedOne();
     void unknownEventsAreIgnored();
     void eventsOfAClosedDeviceDoNotReachTheNextOne();
-    void aBlockedEventThreadIsEndedBeforeBuffersAreFreed();
+    void aFailedFrameOfAClosedDeviceStillCounts();
 
     void serialNumberIsEmptyWhileClosed();
     void supportsCameraCorrectionFollowsTheCamera();
     void framesPerSecondIsZeroWhileClosed();
-    void loadParametersReportsFailures();
-    void correctionIsSwitchedAtTheHighestFrameRate();
-    void correctionOnAClosedCameraCallsNothing();
     void aThousandRoundsLeaveNothingBehind();
 };
 
@@ -94,6 +113,33 @@ void TestCamera::constructionListensForDevices()
     QCOMPARE(codes.at(1), 130u);
 }
 
+void TestCamera::constructionNeedsTwoWakeCodes_data()
+{
+    QTest::addColumn<int>("left");
+    QTest::newRow("none") << 0;
+    QTest::newRow("one") << 1;
+}
+
+void TestCamera::constructionNeedsTwoWakeCodes()
+{
+    QFETCH(int, left);
+    std::vector<std::unique_ptr<EventThread>> threads;
+    for (int i = 0; i < 200 - left; ++i)
+        threads.push_back(std::make_unique<EventThread>());
+    try {
+        Camera camera;
+        QFAIL("a camera has two event threads");
+    } catch (const std::runtime_error &failure) {
+        QCOMPARE(failure.what(), "Too many events :D");
+    }
+    for (int i = 0; i < left; ++i) // what the camera took is there again
+        threads.push_back(std::make_unique<EventThread>());
+    QVERIFY_EXCEPTION_THROWN(EventThread(), std::runtime_error);
+    while (!threads.empty()) // last in, first out: the pool is as it was
+        threads.pop_back();
+    Camera camera;
+}
+
 void TestCamera::openCallsTheLibraryInOrder()
 {
     Camera camera;
@@ -111,6 +157,22 @@ void TestCamera::openCallsTheLibraryInOrder()
                     "vx_SetPixelClock 32768", "vx_GetFrameTimeRange", "vx_SetFrameRate", "vx_GetExposureRange",
                     "vx_SetExposureTime 32768", "vx_SetExposureTime value", "vx_SetHardwareGain 32768"};
     QCOMPARE(calls, expected);
+    QCOMPARE(testcamera::firstNumbers(testcamera::callsNamed("vx_CaptureVideo")), std::vector<double>{0});
+}
+
+void TestCamera::openRegistersTheCamerasEvents()
+{
+    Camera camera;
+    kelvosim::clearLog();
+    camera.open(testcamera::Device);
+    std::vector<std::uint32_t> registered;
+    for (const kelvosim::Call &call : testcamera::callsNamed("vx_Event 1")) {
+        QCOMPARE(call.handle, camera.handle());
+        registered.push_back(testcamera::eventCodes(call).front());
+    }
+    const std::vector<std::uint32_t> expected{2, 9, 128, 8, 10198}; // the last one wakes the second thread
+    QCOMPARE(registered, expected);
+    QCOMPARE(testcamera::eventCodes(testcamera::callsNamed("vx_Event 3").front()), expected);
 }
 
 void TestCamera::openedIsAnnouncedBeforeTheSettingsAreRead()
@@ -124,32 +186,6 @@ void TestCamera::openedIsAnnouncedBeforeTheSettingsAreRead()
     });
     camera.open(testcamera::Device);
     QCOMPARE(before.last(), QString("vx_CaptureVideo"));
-}
-
-void TestCamera::settingsAreAnnouncedInOrder()
-{
-    Camera camera;
-    QStringList order;
-    connect(&camera, &Camera::pixelclockChanged, [&](CameraParameter<int> &param) {
-        order << "clock";
-        QVERIFY(param.min <= param.value && param.value <= param.max);
-        QCOMPARE(param.increment, 1);
-    });
-    connect(&camera, &Camera::framerateChanged, [&](CameraParameter<double> &param) {
-        order << "rate";
-        QVERIFY(param.min < param.max && param.increment > 0.0);
-    });
-    connect(&camera, &Camera::exposureChanged, [&](CameraParameter<double> &param) {
-        order << "exposure";
-        QVERIFY(param.min <= param.value && param.value <= param.max);
-    });
-    connect(&camera, &Camera::mastergainChanged, [&](CameraParameter<int> &param) {
-        order << "gain";
-        QCOMPARE(param.min, 0);
-        QCOMPARE(param.max, 100);
-    });
-    camera.open(testcamera::Device);
-    QCOMPARE(order, (QStringList{"clock", "rate", "exposure", "gain"}));
 }
 
 void TestCamera::theDeviceNumberGoesWithItsFlag()
@@ -167,6 +203,7 @@ void TestCamera::closeCallsTheLibraryInOrder()
     kelvosim::clearLog();
     camera.close();
     QCOMPARE(testcamera::calls(), callsOfClosing());
+    QCOMPARE(testcamera::firstNumbers(testcamera::callsNamed("vx_StopLiveVideo")), std::vector<double>{1});
     QVERIFY(testcamera::nothingHeld());
 }
 
@@ -188,10 +225,15 @@ void TestCamera::closeOnAClosedCameraDoesNothing()
 {
     Camera camera;
     QSignalSpy closed(&camera, &Camera::cameraClosed);
+    QSignalSpy errors(&camera, &Camera::displayError);
+    int images = 0;
+    connect(&camera, &Camera::newImage, [&] { ++images; });
     kelvosim::clearLog();
     camera.close();
     QVERIFY(testcamera::calls().isEmpty());
     QCOMPARE(closed.count(), 0);
+    QCOMPARE(errors.count(), 0);
+    QCOMPARE(images, 0);
 }
 
 void TestCamera::openWhileOpenClosesTheFirst()
@@ -233,7 +275,10 @@ void TestCamera::destructionReleasesAnOpenDevice()
     {
         Camera camera;
         camera.open(testcamera::Device);
+        kelvosim::clearLog();
     }
+    QCOMPARE(testcamera::calls(), repeated(2, {"vx_Event 5"}) + QStringList{"vx_ClearSequence"} +
+                                      repeated(3, {"vx_FreeImageMem"}) + QStringList{"vx_ExitCamera"});
     QVERIFY(testcamera::nothingHeld());
     QCOMPARE(kelvosim::enabledEvents(), 0);
     QCOMPARE(kelvosim::waitingThreads(), 0);
@@ -248,8 +293,14 @@ void TestCamera::theCountersStartAtZero()
     QCOMPARE(camera.failedCount(), 0);
     QCOMPARE(camera.frameCount(), 0);
     camera.eventReceived(8);
+    kelvosim::pushFrame(testcamera::Serial, {});
+    QTRY_COMPARE(camera.frameCount(), 1);
     camera.close();
     QCOMPARE(camera.failedCount(), 1);
+    QCOMPARE(camera.frameCount(), 1);
+    camera.open(testcamera::Device);
+    QCOMPARE(camera.failedCount(), 0);
+    QCOMPARE(camera.frameCount(), 0);
 }
 
 void TestCamera::aFirmwareUploadIsAnnounced_data()
@@ -282,10 +333,11 @@ void TestCamera::aFirmwareUploadIsAnnounced()
     QCOMPARE(errors.first().at(1).toInt(), 2000);
     QCOMPARE(testcamera::calls().mid(0, 3), (QStringList{"vx_InitCamera", "vx_GetDuration", "vx_InitCamera"}));
     std::vector<std::uint32_t> numbers;
-    for (const kelvosim::Call &call : kelvosim::log()) {
-        if (call.function == "vx_InitCamera")
-            numbers.push_back(call.handle);
-    }
+    for (const kelvosim::Call &call : testcamera::callsNamed("vx_InitCamera"))
+        numbers.push_back(call.handle);
+    const kelvosim::Call duration = testcamera::callsNamed("vx_GetDuration").front();
+    QCOMPARE(duration.handle, std::uint32_t(testcamera::Device) | 0x8000u);
+    QCOMPARE(duration.numbers, std::vector<double>{1});
     QCOMPARE(numbers, (std::vector<std::uint32_t>{testcamera::Device | 0x8000, testcamera::Device | 0x18000}));
 }
 
@@ -422,6 +474,33 @@ void TestCamera::aNestedFrameIsCountedButNotEmitted()
     QTRY_COMPARE(kelvosim::lockedBuffers(), 0);
 }
 
+void TestCamera::aNestedFrameLeavesTheOuterImageInPlace()
+{
+    Camera camera;
+    camera.open(testcamera::Device);
+    const uchar *first = nullptr;
+    const uchar *second = nullptr;
+    int grey = -1;
+    connect(&camera, &Camera::newImage, [&](QImage &image) {
+        if (image.isNull())
+            return;
+        first = image.constBits();
+        kelvosim::pushFrame(testcamera::Serial, testcamera::flatFrame(testcamera::small(), 20));
+        QTRY_COMPARE(camera.frameCount(), 2);
+    });
+    connect(&camera, &Camera::newImage, [&](QImage &image) {
+        if (image.isNull())
+            return;
+        second = image.constBits();
+        grey = second[0];
+    });
+    kelvosim::pushFrame(testcamera::Serial, testcamera::flatFrame(testcamera::small(), 10));
+    QTRY_VERIFY(second);
+    QCOMPARE(camera.frameCount(), 2);
+    QCOMPARE(grey, 10);
+    QVERIFY(second == first);
+}
+
 void TestCamera::aReceiverMayCloseTheCamera()
 {
     Camera camera;
@@ -430,9 +509,34 @@ void TestCamera::aReceiverMayCloseTheCamera()
         if (!image.isNull())
             camera.close();
     });
+    kelvosim::clearLog();
     kelvosim::pushFrame(testcamera::Serial, {});
     QTRY_VERIFY(!camera.isOpen());
+    // The buffer is gone, and so is its lock.
+    QCOMPARE(testcamera::calls(), (QStringList{"vx_GetActSeqBuf", "vx_LockSeqBuf"}) + callsOfClosing());
     QVERIFY(testcamera::nothingHeld());
+}
+
+void TestCamera::aReceiverMayReopenTheCamera()
+{
+    Camera camera;
+    camera.open(testcamera::Device);
+    int images = 0;
+    connect(&camera, &Camera::newImage, [&](QImage &image) {
+        if (image.isNull() || ++images > 1)
+            return;
+        camera.close();
+        camera.open(testcamera::Device);
+    });
+    kelvosim::clearLog();
+    kelvosim::pushFrame(testcamera::Serial, {});
+    QTRY_COMPARE(images, 1);
+    QVERIFY(camera.isOpen());
+    QVERIFY(testcamera::callsNamed("vx_UnlockSeqBuf").empty()); // that buffer is not the new device's
+    kelvosim::pushFrame(testcamera::Serial, {});
+    QTRY_COMPARE(images, 2);
+    QCOMPARE(testcamera::callsNamed("vx_UnlockSeqBuf").size(), std::size_t(1));
+    QCOMPARE(kelvosim::lockedBuffers(), 0);
 }
 
 void TestCamera::freezeHandlesASingleFrame()
@@ -504,41 +608,36 @@ void TestCamera::eventsOfAClosedDeviceDoNotReachTheNextOne()
     camera.open(testcamera::Device);
     QSignalSpy removed(&camera, &Camera::cameraRemoved);
     // Not one turn of the event loop from here: what the first opening is told stays in the queue.
-    kelvosim::pushFrame(testcamera::Serial, {});
+    QVERIFY(hasWaited(camera, 1));
+    for (int frame = 1; frame <= 3; ++frame) { // the second one is held back, the third one counts with it
+        kelvosim::pushFrame(testcamera::Serial, {});
+        QVERIFY(hasWaited(camera, 1 + frame));
+    }
     kelvosim::signalEvent(testcamera::Serial, 128);
-    QThread::msleep(50); // lets the event thread post both
+    QVERIFY(hasWaited(camera, 5));
     camera.close();
     camera.open(testcamera::Device);
-    QCoreApplication::processEvents();
+    testcamera::turnEventLoop();
     QCOMPARE(camera.frameCount(), 0);
     QCOMPARE(removed.count(), 0);
-    kelvosim::pushFrame(testcamera::Serial, {});
-    QTRY_COMPARE(camera.frameCount(), 1);
+    for (int frame = 1; frame <= 2; ++frame) {
+        kelvosim::pushFrame(testcamera::Serial, {});
+        QTRY_COMPARE(camera.frameCount(), frame);
+    }
 }
 
-void TestCamera::aBlockedEventThreadIsEndedBeforeBuffersAreFreed()
+void TestCamera::aFailedFrameOfAClosedDeviceStillCounts()
 {
     Camera camera;
-    kelvosim::blockCall("vx_Event", 7);
     camera.open(testcamera::Device);
-    const auto isWaiting = [&] {
-        for (const kelvosim::Call &call : kelvosim::log()) {
-            if (call.function == "vx_Event" && call.command == 7 && call.handle == camera.handle())
-                return true;
-        }
-        return false;
-    };
-    QTRY_VERIFY(isWaiting());
-    QElapsedTimer timer;
-    timer.start();
+    QVERIFY(hasWaited(camera, 1));
+    kelvosim::signalEvent(testcamera::Serial, 8);
+    QVERIFY(hasWaited(camera, 2));
     camera.close();
-    QVERIFY(timer.elapsed() >= 450);
-    QVERIFY(testcamera::nothingHeld());
-    kelvosim::releaseCalls();
-    kelvosim::clearFaults();
     camera.open(testcamera::Device);
-    kelvosim::pushFrame(testcamera::Serial, {});
-    QTRY_COMPARE(camera.frameCount(), 1);
+    QCOMPARE(camera.failedCount(), 0); // it is still in the queue
+    testcamera::turnEventLoop();
+    QCOMPARE(camera.failedCount(), 1);
 }
 
 void TestCamera::serialNumberIsEmptyWhileClosed()
@@ -578,46 +677,6 @@ void TestCamera::framesPerSecondIsZeroWhileClosed()
     camera.open(testcamera::Device);
     kelvosim::failCall("vx_GetFramesPerSecond", 1, 3, "not measured");
     QCOMPARE(camera.framesPerSecond(), 0.0);
-}
-
-void TestCamera::loadParametersReportsFailures()
-{
-    Camera camera;
-    camera.open(testcamera::Device);
-    QSignalSpy errors(&camera, &Camera::displayError);
-    kelvosim::failCall("vx_LoadParameters", 1, 50, "cannot open");
-    camera.loadParameters();
-    QCOMPARE(errors.takeFirst().at(0).toString(), QString("Can't open ini file."));
-    kelvosim::failCall("vx_LoadParameters", 1, 51, "cannot read");
-    camera.loadParameters();
-    QCOMPARE(errors.takeFirst().at(0).toString(), QString("cannot read"));
-    kelvosim::failCall("vx_LoadParameters", 1, 51, "");
-    camera.loadParameters();
-    QCOMPARE(errors.takeFirst().at(0).toString(), QString("Unknown error."));
-}
-
-void TestCamera::correctionIsSwitchedAtTheHighestFrameRate()
-{
-    Camera camera;
-    camera.open(testcamera::Device);
-    for (const bool enable : {true, false}) {
-        kelvosim::clearLog();
-        camera.setBadPixelCorrection(enable);
-        const QString hotPixel = enable ? "vx_HotPixel 2" : "vx_HotPixel 0";
-        QStringList calls = testcamera::calls();
-        calls.replaceInStrings(QRegularExpression("^(vx_SetExposureTime) .*"), "\\1");
-        QCOMPARE(calls, (QStringList{"vx_StopLiveVideo", "vx_GetFrameTimeRange", "vx_SetFrameRate", hotPixel,
-                                     "vx_SetFrameRate", "vx_SetExposureTime", "vx_CaptureVideo"}));
-        QCOMPARE(kelvosim::correctionOn(testcamera::Serial), enable);
-    }
-}
-
-void TestCamera::correctionOnAClosedCameraCallsNothing()
-{
-    Camera camera;
-    kelvosim::clearLog();
-    camera.setBadPixelCorrection(true);
-    QVERIFY(testcamera::calls().isEmpty());
 }
 
 void TestCamera::aThousandRoundsLeaveNothingBehind()
