@@ -29,8 +29,13 @@ fi
 # The bench file says which cameras there are; the panel edits it, and so may you.
 export KELVOSIM_BENCH="$project/build/cameras.bench"
 [ -f "$KELVOSIM_BENCH" ] || cp simulator/default.bench "$KELVOSIM_BENCH"
+# The program reads its camera settings from the folder that it is started in.
+mkdir -p build/run
+[ -f build/run/cameraparameter.xml ] || cp docs/cameraparameter.xml build/run/
 build/bin/kelvo-bench &
 panel=$!
 trap 'kill "$panel" 2>/dev/null || true' EXIT
 echo "The simulated cameras are in build/cameras.bench; the panel \"Simulated cameras\" edits it."
-build/bin/speckmend
+echo "Their settings at the start are in build/run/cameraparameter.xml."
+cd build/run
+../bin/speckmend

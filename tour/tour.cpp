@@ -3,13 +3,20 @@
 
 #include "tour.h"
 
+#include "magnifier.h"
+#include "magnifiercontrol.h"
+#include "parameterblockwidget.h"
+#include "parameterwidget.h"
+
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QDockWidget>
+#include <QFile>
 #include <QItemSelectionModel>
+#include <QKeyEvent>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTableView>
@@ -51,11 +58,13 @@ kelvosim::CameraSpec camera(const std::string &serial, const std::string &model,
 
 } // namespace
 
-Tour::Tour(const QString &pictureFolder) : folder(pictureFolder)
+Tour::Tour(const QString &pictureFolder) : folder(QDir(pictureFolder).absolutePath())
 {
     if (!folder.mkpath("."))
         throw std::runtime_error("cannot make the folder " + pictureFolder.toStdString());
     setUpBench(storage.path());
+    QDir::setCurrent(storage.path());
+    writeParameterFile();
     window = std::make_unique<MainWindow>();
     driver = std::make_unique<WindowDriver>(*window);
     window->show();
@@ -74,14 +83,31 @@ void Tour::setUpBench(const QString &storageFolder)
     kelvosim::addCamera(plain);
 }
 
+/// Settings at which the scene is well lit and ten dark frames take half a second. Without the file a camera
+/// starts at one frame a second.
+void Tour::writeParameterFile()
+{
+    QFile file("cameraparameter.xml");
+    if (!file.open(QIODevice::WriteOnly))
+        throw std::runtime_error("cannot write " + file.fileName().toStdString());
+    file.write("<CameraSettings>\n"
+               "  <Sensor ID=\"101\">\n"
+               "    <Timing pixelclock=\"40\" framerate=\"20\" exposure=\"50\"/>\n"
+               "    <Gain master=\"0\" red=\"0\" green=\"0\" blue=\"0\"/>\n"
+               "  </Sensor>\n"
+               "</CameraSettings>\n");
+}
+
 bool Tour::play()
 {
     listCameras();
     openCamera();
+    turnSettings();
     coverSensor();
     detect();
     compareWithTruth();
     reviewEntry();
+    lookThroughMagnifier();
     addAndDelete();
     writeList();
     closeAndReopen();
@@ -138,6 +164,19 @@ void Tour::openCamera()
     check(WindowDriver::waitFor([this] { return driver->cameraStatus(QString::fromStdString(Serial)) == "opened"; }),
           "the list shows it as opened");
     takePicture("live");
+}
+
+void Tour::turnSettings()
+{
+    tell("Turning the master gain.");
+    auto *gain = window->findChild<ParameterBlockWidget *>()->mastergain()->spinBox();
+    const kelvosim::Pixel pixel{100, 100};
+    const int before = greyAt(pixel);
+    gain->setValue(30);
+    check(WindowDriver::waitFor([&] { return greyAt(pixel) > before + 20; }), "the image gets brighter");
+    takePicture("brighter");
+    gain->setValue(0);
+    check(WindowDriver::waitFor([&] { return greyAt(pixel) < before + 20; }), "and as it was");
 }
 
 void Tour::coverSensor()
@@ -211,8 +250,31 @@ void Tour::reviewEntry()
     check(driver->action("deleteBadpixelAction")->isEnabled(), "the user's own entry can be deleted");
     waitForFrames(2);
     takePicture("entry");
+}
+
+/// Walks the focus away from the entry and back with the arrow keys.
+void Tour::lookThroughMagnifier()
+{
+    tell("Walking the focus in the magnifier.");
+    QPoint focus;
+    const auto following = QObject::connect(window.get(), &MainWindow::magnifierPositionChanged,
+                                            [&focus](QPoint position) { focus = position; });
+    pressOnMagnifier(Qt::Key_Right);
+    const QPoint beside = focus;
+    pressOnMagnifier(Qt::Key_Left);
+    check(focus == beside - QPoint(1, 0), "arrow keys move the focus pixel by pixel");
+    QObject::disconnect(following);
+    driver->trigger("zoom4to1Action");
+    waitForFrames(2);
+    takePicture("magnifier");
     driver->trigger("zoom1to1Action");
     waitForFrames(2);
+}
+
+void Tour::pressOnMagnifier(int key) const
+{
+    QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+    QApplication::sendEvent(window->findChild<MagnifierControl *>()->magnifier(), &press);
 }
 
 void Tour::addAndDelete()

@@ -24,14 +24,17 @@ public:
 
 private:
     static void setUpBench(const QString &storageFolder);
+    static void writeParameterFile();
 
     void listCameras();
     void openCamera();
+    void turnSettings();
     void coverSensor();
     void detect();
     void watchDetection(QWidget *dialogue);
     void compareWithTruth();
     void reviewEntry();
+    void lookThroughMagnifier();
     void addAndDelete();
     void writeList();
     void closeAndReopen();
@@ -42,9 +45,10 @@ private:
     void takePicture(const QString &name);
     bool waitForFrames(int count) const;
     int greyAt(const kelvosim::Pixel &pixel) const;
+    void pressOnMagnifier(int key) const;
 
     QDir folder;
-    QTemporaryDir storage;
+    QTemporaryDir storage; // of the cameras' lists; the current folder while the tour plays
     std::unique_ptr<MainWindow> window;
     std::unique_ptr<WindowDriver> driver;
     int pictures = 0;

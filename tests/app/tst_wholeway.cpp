@@ -7,6 +7,7 @@
 #include "displaywidget.h"
 
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QProgressBar>
 #include <QPushButton>
@@ -60,6 +61,7 @@ private:
     std::set<std::pair<int, int>> listed() const;
 
     WindowFixture bench;
+    QTemporaryDir folder;
 };
 
 void TestWholeWay::init()
@@ -67,6 +69,12 @@ void TestWholeWay::init()
     bench.window.reset();
     kelvosim::reset();
     kelvosim::setLogging(false);
+    // Without a parameter file a camera starts at one frame a second.
+    QVERIFY(QDir::setCurrent(folder.path()));
+    QFile file("cameraparameter.xml");
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("<CameraSettings><Sensor ID=\"101\"><Timing pixelclock=\"40\" framerate=\"60\" exposure=\"16\"/>"
+               "<Gain master=\"50\" red=\"0\" green=\"0\" blue=\"0\"/></Sensor></CameraSettings>");
 }
 
 void TestWholeWay::addLiveCamera(kelvosim::SensorKind kind, int width, int height)
