@@ -68,7 +68,14 @@ void lieAboutTexts(const std::string &serial, const std::string &serialText, con
 
 void lieAboutListWord(std::int32_t word0)
 {
-    library().forcedListWord = word0;
+    library().listLies.word = word0;
+}
+
+void lieAboutCounts(std::optional<std::int32_t> count)
+{
+    ListLies &lies = library().listLies;
+    lies.count = count.value_or(0);
+    lies.aboutCounts = count.has_value();
 }
 
 bool pushFrame(const std::string &serial, const std::vector<std::uint8_t> &pixels)

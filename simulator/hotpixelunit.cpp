@@ -75,10 +75,9 @@ std::uint32_t countOf(const std::vector<Pixel> &list)
 
 } // namespace
 
-HotPixelUnit::HotPixelUnit(std::shared_ptr<HotPixelMemory> cameraMemory,
-                           const std::atomic<std::int32_t> &forcedListWord)
+HotPixelUnit::HotPixelUnit(std::shared_ptr<HotPixelMemory> cameraMemory, const ListLies &wantedLies)
     : memory(std::move(cameraMemory))
-    , forcedWord(forcedListWord)
+    , lies(wantedLies)
     , currentSorted(sortedPixels({}))
 {
 }
@@ -104,11 +103,11 @@ void HotPixelUnit::command(std::uint32_t code, void *data, std::uint32_t size)
     case SetCurrentUserList:
         return setCurrentList(readList(data, size));
     case GetFactoryListCount:
-        return writeWord(countOf(memory->factoryList()), data, size);
+        return writeWord(toldCount(memory->factoryList()), data, size);
     case GetFactoryList:
         return writeList(memory->factoryList(), data, size);
     case GetUserListCount:
-        return writeWord(countOf(memory->userList()), data, size);
+        return writeWord(toldCount(memory->userList()), data, size);
     case GetUserList:
         return writeList(memory->userList(), data, size);
     case WriteUserList:
@@ -157,11 +156,16 @@ void HotPixelUnit::setCurrentList(const std::vector<Pixel> &list)
     currentSorted = sortedPixels(list);
 }
 
+std::uint32_t HotPixelUnit::toldCount(const std::vector<Pixel> &list) const
+{
+    return lies.aboutCounts ? static_cast<std::uint32_t>(lies.count.load()) : countOf(list);
+}
+
 void HotPixelUnit::writeList(const std::vector<Pixel> &list, void *data, std::uint32_t size) const
 {
     requireSize(size, bufferSize(list.size()));
     auto *const bytes = static_cast<std::uint8_t *>(needed(data));
-    const std::int32_t forced = forcedWord;
+    const std::int32_t forced = lies.word;
     const auto count =
         static_cast<std::uint16_t>(forced < 0 ? list.size() : static_cast<std::size_t>(forced));
     std::memcpy(bytes, &count, sizeof count);

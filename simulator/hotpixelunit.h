@@ -3,6 +3,7 @@
 #pragma once
 
 #include "hotpixelmemory.h"
+#include "listlies.h"
 
 #include <atomic>
 #include <mutex>
@@ -14,9 +15,7 @@ namespace kelvosim {
 class HotPixelUnit
 {
 public:
-    /// @param forcedListWord what lists that are read shall carry as their count; -1: the truth
-    HotPixelUnit(std::shared_ptr<HotPixelMemory> cameraMemory,
-                 const std::atomic<std::int32_t> &forcedListWord);
+    HotPixelUnit(std::shared_ptr<HotPixelMemory> cameraMemory, const ListLies &wantedLies);
 
     /// Carries a command out.
     /// @throws Failure for a wrong size, a null pointer, an unknown command or one that cannot be done
@@ -31,13 +30,14 @@ public:
     std::vector<Pixel> currentUserList() const;
 
 private:
+    std::uint32_t toldCount(const std::vector<Pixel> &list) const;
     void writeList(const std::vector<Pixel> &list, void *data, std::uint32_t size) const;
     void setCurrentList(const std::vector<Pixel> &list);
     std::vector<Pixel> heldList() const;
     std::uint32_t supportedModes() const;
 
     const std::shared_ptr<HotPixelMemory> memory;
-    const std::atomic<std::int32_t> &forcedWord;
+    const ListLies &lies;
     std::atomic<bool> correcting{false};
     mutable std::mutex mutex; ///< guards all below
     std::optional<std::vector<Pixel>> current;

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -102,6 +103,10 @@ KELVOSIM_API void lieAboutTexts(const std::string &serial, const std::string &se
 
 /// Makes the next reads of a list (commands 33026, 33032, 33035) carry this word 0; -1: the truth.
 KELVOSIM_API void lieAboutListWord(std::int32_t word0);
+
+/// Makes the counts of the factory and of the stored user list (commands 33031 and 33034) report this number,
+/// which may be negative; std::nullopt tells the truth again. The lists themselves stay as they are.
+KELVOSIM_API void lieAboutCounts(std::optional<std::int32_t> count);
 
 // --- frames
 

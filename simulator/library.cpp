@@ -67,7 +67,7 @@ void Library::reset()
     emptyBench();
     systemEvents->reset();
     errors.clear();
-    forcedListWord = -1;
+    listLies.tellTheTruth();
     log.clear();
     log.switchTo(true);
 }
@@ -191,7 +191,7 @@ void Library::uploadFirmware(Lock &lock, Device &device, std::uint32_t variable)
 std::uint32_t Library::openDevice(const DevicePointer &device)
 {
     device->memory->refresh();
-    auto camera = std::make_shared<OpenCamera>(device->spec, device->memory, forcedListWord);
+    auto camera = std::make_shared<OpenCamera>(device->spec, device->memory, listLies);
     plant(*device, camera->spec().replayFolder.empty());
     camera->overrideFrameRate(device->frameRate);
     device->open = camera;

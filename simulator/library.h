@@ -7,9 +7,9 @@
 #include "device.h"
 #include "errortexts.h"
 #include "faults.h"
+#include "listlies.h"
 #include "liststore.h"
 
-#include <atomic>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -36,8 +36,7 @@ public:
     CallLog log;
     Faults faults;
     ErrorTexts errors;
-    std::atomic<std::int32_t> forcedListWord{
-        -1}; ///< count that lists read from cameras shall carry; -1: truth
+    ListLies listLies;
 
     // For programs.
 

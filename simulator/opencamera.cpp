@@ -45,10 +45,10 @@ void requirePositive(double value)
 } // namespace
 
 OpenCamera::OpenCamera(const CameraSpec &cameraSpec, std::shared_ptr<HotPixelMemory> memory,
-                       const std::atomic<std::int32_t> &forcedListWord)
+                       const ListLies &lies)
     : camera(cameraSpec)
     , eventSet(std::make_shared<EventSet>())
-    , hotPixelUnit(std::move(memory), forcedListWord)
+    , hotPixelUnit(std::move(memory), lies)
     , source(makeSource())
     , times(camera.width, camera.height)
     , area{0, 0, camera.width, camera.height}

@@ -48,8 +48,7 @@ public:
     static constexpr std::int32_t QueryDefault = 32769;
     static constexpr std::int32_t GainUnchanged = -1;
 
-    OpenCamera(const CameraSpec &cameraSpec, std::shared_ptr<HotPixelMemory> memory,
-               const std::atomic<std::int32_t> &forcedListWord);
+    OpenCamera(const CameraSpec &cameraSpec, std::shared_ptr<HotPixelMemory> memory, const ListLies &lies);
     ~OpenCamera();
     OpenCamera(const OpenCamera &) = delete;
     OpenCamera &operator=(const OpenCamera &) = delete;

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <thread>
 
 using namespace programside;
@@ -76,6 +77,7 @@ private slots:
     void camerasWithoutMemoryStoreNothing();
     void sizesAreCheckedExactly();
     void aLyingCountWord();
+    void lyingCounts();
     void listsOutliveClosing();
     void listsOutliveTheProgramInTheirFolder();
     void unstorableListsAreReported();
@@ -218,6 +220,30 @@ void TestHotPixelMemory::aLyingCountWord()
     QCOMPARE(words[3], std::uint16_t(77));
     kelvosim::lieAboutListWord(-1);
     QCOMPARE(receiveList(camera.handle, UserCount, UserList), (std::vector<Pixel>{{1, 2}}));
+}
+
+void TestHotPixelMemory::lyingCounts()
+{
+    kelvosim::addCamera(smallCamera());
+    kelvosim::setFactoryList(Serial, {{3, 4}, {5, 6}});
+    kelvosim::setStoredUserList(Serial, {{1, 2}});
+    const OpenedCamera camera;
+    for (const std::int32_t lie : {0, -1, std::numeric_limits<std::int32_t>::min()}) {
+        kelvosim::lieAboutCounts(lie);
+        QCOMPARE(static_cast<std::int32_t>(countOf(camera.handle, FactoryCount)), lie);
+        QCOMPARE(static_cast<std::int32_t>(countOf(camera.handle, UserCount)), lie);
+    }
+    std::uint16_t words[3] = {};
+    QCOMPARE(vx_HotPixel(camera.handle, UserList, words, 6), 0);
+    QCOMPARE(words[0], std::uint16_t(1));
+    kelvosim::lieAboutCounts(std::nullopt);
+    QCOMPARE(countOf(camera.handle, FactoryCount), 2u);
+    QCOMPARE(countOf(camera.handle, UserCount), 1u);
+    kelvosim::lieAboutCounts(-1);
+    kelvosim::reset();
+    kelvosim::addCamera(smallCamera());
+    const OpenedCamera next;
+    QCOMPARE(countOf(next.handle, UserCount), 0u);
 }
 
 void TestHotPixelMemory::listsOutliveClosing()
