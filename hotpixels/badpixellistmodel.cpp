@@ -170,6 +170,7 @@ QVariant BadpixelListModel::headerData(int section, Qt::Orientation orientation,
 
 bool BadpixelListModel::insertRows(int row, int count, const QModelIndex &)
 {
+    // Qt does not allow a range that ends before it begins to be announced.
     if (count < 1) {
         return true;
     }
@@ -186,6 +187,7 @@ bool BadpixelListModel::insertRows(int row, int count, const QModelIndex &)
 // Kept: all rows asked for are announced, those behind the end of the list included.
 bool BadpixelListModel::removeRows(int row, int count, const QModelIndex &)
 {
+    // As for inserting: an inverted range must not be announced.
     if (count < 1) {
         return true;
     }
@@ -310,8 +312,8 @@ QModelIndex BadpixelListModel::entryNear(int x, int y, int tolerance) const
     return found == entries.end() ? QModelIndex() : index(static_cast<int>(found - entries.begin()), 0);
 }
 
-// Kept: the announced rows begin at 0 even where the list goes behind factory entries. Nothing can point at a
-// wrong row by that: the list was cleared just before, so no view or selection holds a row yet.
+// Kept: the announced rows begin at 0 even where the list goes behind factory entries. The list was cleared
+// just before, so this is harmless as long as nobody takes a row up while the factory list is announced.
 void BadpixelListModel::appendFromCamera(const std::vector<Badpixel> &list)
 {
     if (list.empty()) {

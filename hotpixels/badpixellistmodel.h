@@ -32,7 +32,8 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
     /// Inserts user entries at (0, 0).
     bool insertRows(int row, int count, const QModelIndex &parent = QModelIndex()) override;
-    /// Removes those of the rows that are there; always true.
+    /// Removes those of the rows that are there; always true. All rows asked for are announced, so callers
+    /// with a view attached must pass rows that exist.
     bool removeRows(int row, int count, const QModelIndex &parent = QModelIndex()) override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 

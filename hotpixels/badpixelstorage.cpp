@@ -93,6 +93,7 @@ bool BadpixelStorage::deleteUserList() const
 
 bool BadpixelStorage::sendUserList(const std::vector<Badpixel> &entries) const
 {
+    // The first word would wrap, and the camera would store a part of the list as if it were all.
     if (entries.size() > longestListWritten) {
         return false;
     }

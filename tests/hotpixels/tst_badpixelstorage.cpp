@@ -11,12 +11,15 @@
 #include <QtTest>
 
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 
 namespace {
 
 using Pixels = std::vector<kelvosim::Pixel>;
+
+constexpr std::int32_t lowest = std::numeric_limits<std::int32_t>::min();
 
 Pixels pixels(int count)
 {
@@ -105,8 +108,12 @@ private slots:
     void readingReplacesWhateverWasShown();
     void readingWithoutACameraEmptiesTheList();
     void readingFromAClosedCameraEmptiesTheList();
+    void readingFromAClosedCameraAsksWithoutAHandle();
     void readingFollowsTheOpeningOfACamera();
     void readingTakesAThousandEntriesOfEachKind();
+    void emptyListsAreNotRead();
+    void negativeCountsReadNoList_data();
+    void negativeCountsReadNoList();
     void moreThanAThousandFactoryEntriesAreSkippedSilently();
     void moreThanAThousandUserEntriesAreSkippedSilently();
     void failingListCommandsSkipTheirList_data();
@@ -114,6 +121,7 @@ private slots:
     void failingCountsKeepWhatWasThere();
     void cameraWithoutStorageHasNoLists();
     void userRowsAreAnnouncedFromZero();
+    void eachListIsAnnouncedAroundItsRows();
     void aListWordTooLargeIsCut();
     void aListWordTooSmallIsBelieved();
     void aListWordOfZeroAnnouncesNothing();
@@ -121,6 +129,9 @@ private slots:
     void aListThatFillsTheMemoryIsRefused();
     void aListOneShortOfTheMemoryIsWritten();
     void allRowsButFactoryOnesCountAgainstTheCapacity();
+    void aFactoryListThatWasSkippedCountsAgainstTheRows();
+    void aNegativeFactoryCountAddsToTheRows_data();
+    void aNegativeFactoryCountAddsToTheRows();
     void aListOfFactoryEntriesDeletesTheStoredList();
     void onlyUserEntriesAreWrittenInListOrder();
     void refusedCommandsThrow_data();
@@ -225,6 +236,23 @@ void TestBadpixelStorage::readingFromAClosedCameraEmptiesTheList()
     QCOMPARE(model->rowCount(), 0);
 }
 
+void TestBadpixelStorage::readingFromAClosedCameraAsksWithoutAHandle()
+{
+    openCamera({{9, 8}}, {{1, 2}});
+    model->getBadpixelList(camera.get());
+    camera->close();
+    kelvosim::clearLog();
+    model->getBadpixelList(camera.get());
+    // All calls fail, so the factory count of before is still there to ask for the list.
+    QCOMPARE(commands(), (std::vector<int>{33037, 33031, 33032, 33034}));
+    for (const kelvosim::Call &call : hotpixelCalls()) {
+        QCOMPARE(call.handle, kelvo::NoCamera);
+        QVERIFY(call.result != kelvo::Success);
+    }
+    QCOMPARE(model->maximumUserEntries(), 5000);
+    QCOMPARE(model->factoryEntries(), 1);
+}
+
 void TestBadpixelStorage::readingFollowsTheOpeningOfACamera()
 {
     openCamera({{9, 8}}, {{1, 2}});
@@ -245,6 +273,32 @@ void TestBadpixelStorage::readingTakesAThousandEntriesOfEachKind()
     QCOMPARE(model->badpixel(999).pixelclass, std::uint8_t(Factory));
     QCOMPARE(model->badpixel(1999).pixelclass, std::uint8_t(User));
     QCOMPARE(model->badpixel(1999).y, std::uint16_t(999 / 64));
+}
+
+void TestBadpixelStorage::emptyListsAreNotRead()
+{
+    openCamera({}, {});
+    model->getBadpixelList(camera.get());
+    QCOMPARE(commands(), (std::vector<int>{33037, 33031, 33034}));
+    QCOMPARE(model->rowCount(), 0);
+}
+
+void TestBadpixelStorage::negativeCountsReadNoList_data()
+{
+    QTest::addColumn<std::int32_t>("count");
+    QTest::newRow("-1") << std::int32_t(-1);
+    QTest::newRow("lowest") << lowest;
+}
+
+void TestBadpixelStorage::negativeCountsReadNoList()
+{
+    QFETCH(std::int32_t, count);
+    openCamera({{9, 8}}, {{1, 2}});
+    kelvosim::lieAboutCounts(count);
+    model->getBadpixelList(camera.get());
+    QCOMPARE(commands(), (std::vector<int>{33037, 33031, 33034}));
+    QCOMPARE(model->rowCount(), 0);
+    QCOMPARE(model->factoryEntries(), count);
 }
 
 void TestBadpixelStorage::moreThanAThousandFactoryEntriesAreSkippedSilently()
@@ -320,6 +374,17 @@ void TestBadpixelStorage::userRowsAreAnnouncedFromZero()
     QCOMPARE(model->rowCount(), 8);
 }
 
+void TestBadpixelStorage::eachListIsAnnouncedAroundItsRows()
+{
+    openCamera(pixels(3), pixels(5));
+    QStringList told;
+    const auto tell = [&](const QString &what) { told << QString("%1 %2").arg(what).arg(model->rowCount()); };
+    connect(model.get(), &QAbstractItemModel::rowsAboutToBeInserted, [&] { tell("before:"); });
+    connect(model.get(), &QAbstractItemModel::rowsInserted, [&] { tell("after:"); });
+    model->getBadpixelList(camera.get());
+    QCOMPARE(told, (QStringList{"before: 0", "after: 3", "before: 3", "after: 8"}));
+}
+
 void TestBadpixelStorage::aListWordTooLargeIsCut()
 {
     openCamera({{9, 8}, {7, 6}}, {{1, 2}});
@@ -380,6 +445,44 @@ void TestBadpixelStorage::allRowsButFactoryOnesCountAgainstTheCapacity()
     model->clearBadpixelList();
     BadpixelListModelPeer::append(*model, entries(3, Factory));
     QCOMPARE(writeFailure(), QString("Can't write more than 3 hot pixel entries."));
+}
+
+void TestBadpixelStorage::aFactoryListThatWasSkippedCountsAgainstTheRows()
+{
+    openCamera(pixels(1001), {}, 10);
+    model->getBadpixelList(camera.get());
+    BadpixelListModelPeer::append(*model, entries(20, User));
+    kelvosim::clearLog();
+    // 20 rows less 1001 are under the capacity, so it is left to the camera to refuse them.
+    QCOMPARE(writeFailure(), QString("Error writing hotpixel list"));
+    QCOMPARE(commands(), std::vector<int>{33036});
+    QCOMPARE(wordsSent(kelvo::HotpixelWriteUserList).front(), std::uint16_t(20));
+}
+
+void TestBadpixelStorage::aNegativeFactoryCountAddsToTheRows_data()
+{
+    QTest::addColumn<std::int32_t>("count");
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<QString>("failure");
+    const QString refused = "Can't write more than 10 hot pixel entries.";
+    QTest::newRow("-1, room left") << std::int32_t(-1) << 8 << QString();
+    QTest::newRow("-1, full") << std::int32_t(-1) << 9 << refused;
+    QTest::newRow("lowest, no row") << lowest << 0 << refused;
+    QTest::newRow("lowest, a row") << lowest << 1 << refused;
+}
+
+void TestBadpixelStorage::aNegativeFactoryCountAddsToTheRows()
+{
+    QFETCH(std::int32_t, count);
+    QFETCH(int, rows);
+    QFETCH(QString, failure);
+    openCamera({}, {}, 10);
+    kelvosim::lieAboutCounts(count);
+    model->getBadpixelList(camera.get());
+    BadpixelListModelPeer::append(*model, entries(rows, User));
+    kelvosim::clearLog();
+    QCOMPARE(writeFailure(), failure);
+    QCOMPARE(commands(), failure.isEmpty() ? std::vector<int>{33036} : std::vector<int>{});
 }
 
 void TestBadpixelStorage::aListOfFactoryEntriesDeletesTheStoredList()
