@@ -5,12 +5,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <utility>
-#include <vector>
 
 /// Merges the sorted runs [start, middle) and [middle, end) of `from` into the same places of `to`.
-template<typename T, typename Before>
-void mergeRuns(const std::vector<T> &from, std::vector<T> &to, std::size_t start, std::size_t middle,
-               std::size_t end, Before &before)
+template<typename List, typename Before>
+void mergeRuns(const List &from, List &to, std::size_t start, std::size_t middle, std::size_t end,
+               Before &before)
 {
     std::size_t left = start;
     std::size_t right = middle;
@@ -20,16 +19,16 @@ void mergeRuns(const std::vector<T> &from, std::vector<T> &to, std::size_t start
     }
 }
 
-/// Sorts `items` by merging runs of doubling length; equal items keep their order.
+/// Sorts `items`, a vector or deque, by merging runs of doubling length; equal items keep their order.
 ///
 /// std::sort relies on the comparison being an ordering and runs out of the array where it is none, as when
 /// cameras are sorted by device id. Here such a comparison only leaves the items in some order. When it
 /// throws, `items` is as it was before.
-template<typename T, typename Before>
-void boundedSort(std::vector<T> &items, Before before)
+template<typename List, typename Before>
+void boundedSort(List &items, Before before)
 {
-    std::vector<T> sorted = items;
-    std::vector<T> merged = items;
+    List sorted = items;
+    List merged = items;
     const std::size_t count = items.size();
     for (std::size_t run = 1; run < count; run *= 2) {
         for (std::size_t start = 0; start < count; start += 2 * run) {

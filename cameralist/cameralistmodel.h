@@ -7,7 +7,7 @@
 #include <QAbstractTableModel>
 #include <QStringList>
 
-#include <vector>
+#include <deque>
 
 class Camera;
 class QTimer;
@@ -57,7 +57,9 @@ public slots:
     void refresh();
 
 private:
-    using Cameras = std::vector<CameraEntry>;
+    // Cameras usually come in the order of the rows, and a refresh takes them away from the front: cheap in a
+    // deque, quadratic in a vector, where a library that lies may list tens of thousands.
+    using Cameras = std::deque<CameraEntry>;
 
     bool removeAllRows();
     bool matchRows(Cameras fresh);

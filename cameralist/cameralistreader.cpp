@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstring>
 #include <stdexcept>
+#include <vector>
 
 namespace {
 
@@ -61,7 +62,7 @@ std::size_t numberOfAttachedCameras()
     return count < 1 ? 0 : std::min(static_cast<std::size_t>(count), mostCameras);
 }
 
-std::vector<CameraEntry> readAttachedCameras(std::size_t number)
+std::deque<CameraEntry> readAttachedCameras(std::size_t number)
 {
     std::vector<char> list(sizeof(CountWord) + number * sizeof(CameraRecord));
     auto count = static_cast<CountWord>(number);
@@ -71,7 +72,7 @@ std::vector<CameraEntry> readAttachedCameras(std::size_t number)
     }
     std::memcpy(&count, list.data(), sizeof count);
 
-    std::vector<CameraEntry> cameras;
+    std::deque<CameraEntry> cameras;
     // The count read back may lie: no record lies outside the list.
     const std::size_t valid = std::min<std::size_t>(count, number);
     for (std::size_t i = 0; i < valid; ++i) {

@@ -5,7 +5,7 @@
 #include "cameraentry.h"
 
 #include <cstddef>
-#include <vector>
+#include <deque>
 
 /// How many cameras the library says are attached, 0 where it says less. GUI thread only.
 /// @throws std::runtime_error "Can't get number of cameras."
@@ -14,4 +14,4 @@ std::size_t numberOfAttachedCameras();
 /// At most `number` (from 1) attached cameras in the library's order, `opened` being false in all. GUI thread
 /// only.
 /// @throws std::runtime_error "Can't get camera list."
-std::vector<CameraEntry> readAttachedCameras(std::size_t number);
+std::deque<CameraEntry> readAttachedCameras(std::size_t number);

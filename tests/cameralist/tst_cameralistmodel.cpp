@@ -53,6 +53,12 @@ void attachMany(int count)
     }
 }
 
+struct CameraNumbers
+{
+    std::uint32_t device = 0;
+    std::uint32_t camera = 0;
+};
+
 QStringList column(const QAbstractItemModel &model, int column)
 {
     QStringList cells;
@@ -130,6 +136,8 @@ public:
 
 } // namespace
 
+Q_DECLARE_METATYPE(CameraNumbers)
+
 class TestCameraListModel : public QObject
 {
     Q_OBJECT
@@ -156,6 +164,8 @@ private slots:
     void everyFieldIsCompared();
     void newCamerasGoToTheEnd();
     void aDeviceThatCameBackIsANewRow();
+    void camerasWithOneDeviceIdKeepTheirRows();
+    void theFirstCameraWithADeviceIdIsTaken();
 
     void theOpenCameraSaysOpenedOnceMatched();
     void anOpenCameraThatShowsUpSaysInUseAtFirst();
@@ -165,6 +175,7 @@ private slots:
 
     void sortingByEachColumn_data();
     void sortingByEachColumn();
+    void sortingByDeviceComparesWithTheCameraId_data();
     void sortingByDeviceComparesWithTheCameraId();
     void sortingManyCamerasKeepsEveryRow_data();
     void sortingManyCamerasKeepsEveryRow();
@@ -184,6 +195,7 @@ private slots:
 
     void aCountBeyondTheBufferIsCut();
     void anAbsurdNumberOfCamerasIsSurvived();
+    void anAbsurdNumberOfRecordsIsSurvived();
     void aNegativeNumberMeansNone();
     void aNumberTooSmallListsThatMany();
     void textsWithoutAnEndStayInTheirField();
@@ -415,6 +427,39 @@ void TestCameraListModel::aDeviceThatCameBackIsANewRow()
     QCOMPARE(serials(model), (QStringList{"B", "C", "A"}));
 }
 
+void TestCameraListModel::camerasWithOneDeviceIdKeepTheirRows()
+{
+    attach("A", 7, 1);
+    attach("B", 7, 2);
+    CameraListModel model(never);
+    model.updateList();
+    QCOMPARE(serials(model), (QStringList{"A", "B"}));
+    Listener listener(model);
+    model.updateList();
+    QCOMPARE(serials(model), (QStringList{"A", "B"}));
+    QCOMPARE(listener.told, QStringList{"select 0"});
+
+    attach("C", 7, 3);
+    listener.told.clear();
+    model.updateList();
+    QCOMPARE(serials(model), (QStringList{"A", "B", "C"}));
+    QCOMPARE(listener.told, (QStringList{"inserted 2-2", "something", "select 0"}));
+}
+
+void TestCameraListModel::theFirstCameraWithADeviceIdIsTaken()
+{
+    attach("A", 7, 1);
+    attach("B", 7, 2);
+    attach("C", 8, 3);
+    CameraListModel model(never);
+    model.updateList();
+    kelvosim::setListOrder({"C", "B", "A"});
+    const Listener listener(model);
+    model.updateList();
+    QCOMPARE(serials(model), (QStringList{"B", "A", "C"}));
+    QCOMPARE(listener.told, (QStringList{"changed 0,0-0,4", "changed 1,0-1,4", "something", "select 0"}));
+}
+
 void TestCameraListModel::theOpenCameraSaysOpenedOnceMatched()
 {
     attachThree();
@@ -525,17 +570,37 @@ void TestCameraListModel::sortingByEachColumn()
     QCOMPARE(listener.told, (QStringList{"layout", "layout"}));
 }
 
+// Of two rows the lower one moves up when its device id stands in the order to the upper one's camera id.
+void TestCameraListModel::sortingByDeviceComparesWithTheCameraId_data()
+{
+    QTest::addColumn<Qt::SortOrder>("order");
+    QTest::addColumn<CameraNumbers>("upper");
+    QTest::addColumn<CameraNumbers>("lower");
+    QTest::addColumn<bool>("swapped");
+    const Qt::SortOrder up = Qt::AscendingOrder;
+    const Qt::SortOrder down = Qt::DescendingOrder;
+    QTest::newRow("5 < 9, though 3 < 5") << up << CameraNumbers{3, 9} << CameraNumbers{5, 1} << true;
+    QTest::newRow("not 3 < 1, though 3 < 5") << up << CameraNumbers{5, 1} << CameraNumbers{3, 9} << false;
+    QTest::newRow("3 > 1, though 3 < 5") << down << CameraNumbers{5, 1} << CameraNumbers{3, 9} << true;
+    // The mirror of ascending, 9 < 2 or 3 < 1, would leave both where they are.
+    QTest::newRow("3 > 1, no mirror") << down << CameraNumbers{9, 1} << CameraNumbers{3, 2} << true;
+    QTest::newRow("9 > 2, no mirror") << down << CameraNumbers{3, 2} << CameraNumbers{9, 1} << true;
+    // The mirror, 3 < 8, would swap.
+    QTest::newRow("not 4 > 8, no mirror") << down << CameraNumbers{3, 8} << CameraNumbers{4, 9} << false;
+}
+
 void TestCameraListModel::sortingByDeviceComparesWithTheCameraId()
 {
-    attach("A", 5, 1);
-    attach("B", 3, 9);
+    QFETCH(Qt::SortOrder, order);
+    QFETCH(CameraNumbers, upper);
+    QFETCH(CameraNumbers, lower);
+    QFETCH(bool, swapped);
+    attach("upper", upper.device, upper.camera);
+    attach("lower", lower.device, lower.camera);
     CameraListModel model(never);
-    kelvosim::setListOrder({"B", "A"});
     model.updateList();
-    model.sort(1, Qt::AscendingOrder); // 5 < 9 puts A first, though 3 is the smaller device id
-    QCOMPARE(serials(model), (QStringList{"A", "B"}));
-    model.sort(1, Qt::DescendingOrder); // 3 > 1 puts B first
-    QCOMPARE(serials(model), (QStringList{"B", "A"}));
+    model.sort(1, order);
+    QCOMPARE(serials(model), swapped ? (QStringList{"lower", "upper"}) : (QStringList{"upper", "lower"}));
 }
 
 void TestCameraListModel::sortingManyCamerasKeepsEveryRow_data()
@@ -722,6 +787,34 @@ void TestCameraListModel::anAbsurdNumberOfCamerasIsSurvived()
     attachThree();
     kelvosim::lieAboutCameras(std::numeric_limits<std::int32_t>::max(), -1);
     CameraListModel model(never);
+    model.updateList();
+    QCOMPARE(serials(model), (QStringList{"A", "B", "C"}));
+}
+
+// Both numbers lie: the records behind the true ones are empty and share the device id 0.
+void TestCameraListModel::anAbsurdNumberOfRecordsIsSurvived()
+{
+    constexpr int lie = std::numeric_limits<std::int32_t>::max();
+    constexpr int mostRows = 0x8000;
+    attachThree();
+    kelvosim::lieAboutCameras(lie, lie);
+    CameraListModel model(never);
+    model.updateList();
+    QCOMPARE(model.rowCount(), mostRows);
+    Listener listener(model);
+    model.updateList();
+    QCOMPARE(model.rowCount(), mostRows);
+    QCOMPARE(serials(model).mid(0, 4), (QStringList{"A", "B", "C", ""}));
+    // Records without a serial number count as opened once they are found again.
+    QCOMPARE(listener.told.size(), mostRows - 3 + 2);
+    QCOMPARE(listener.told.first(), QString("changed 3,0-3,4"));
+    QCOMPARE(listener.told.mid(mostRows - 4),
+             (QStringList{"changed 32767,0-32767,4", "something", "select 0"}));
+    listener.told.clear();
+    model.updateList();
+    QCOMPARE(listener.told, QStringList{"select 0"});
+
+    kelvosim::lieAboutCameras(-1, -1);
     model.updateList();
     QCOMPARE(serials(model), (QStringList{"A", "B", "C"}));
 }
