@@ -91,6 +91,7 @@ void DisplayWidget::setImage(QImage newImage)
 void DisplayWidget::clear()
 {
     imageLabel->clear();
+    shownSize = QSize();
 }
 
 void DisplayWidget::redrawImage()
@@ -100,14 +101,17 @@ void DisplayWidget::redrawImage()
         return;
     if (highlight)
         paintOverlays(picture);
-    imageLabel->setPixmap(QPixmap::fromImage(scaledForView(picture)));
+    const QImage scaled = scaledForView(picture);
+    shownSize = scaled.size();
+    imageLabel->setPixmap(QPixmap::fromImage(scaled));
     imageLabel->adjustSize();
 }
 
 /// The frame in 32 bits, to be painted on. Frames without a colour table come out grey.
 QImage DisplayWidget::freshPicture() const
 {
-    // Converting a 32-bit frame would hand out the kept frame itself.
+    // Converting a 32-bit frame would hand out the kept frame itself. A painter detaches it, but what is
+    // to be painted on is copied here in so many words.
     if (image.format() == QImage::Format_RGB32)
         return image.copy();
     return image.convertToFormat(QImage::Format_RGB32);
@@ -204,16 +208,17 @@ void DisplayWidget::clickAt(const QPoint &viewportPoint)
     emit positionClicked(pixel);
 }
 
-/// The image pixel under a point of the label; @return false when there is none because nothing is shown.
+/// The image pixel under a point of the label; @return false when there is none because nothing is fitted.
 bool DisplayWidget::findImagePixel(const QPoint &viewPoint, QPoint *imagePixel) const
 {
     double scaleX = scale;
     double scaleY = scale;
     if (scale == ToFit) {
-        if (image.isNull() || imageLabel->size().isEmpty())
+        // The label's own size tells nothing: it outlives clear(), and a label without a picture has one too.
+        if (image.isNull() || shownSize.isEmpty())
             return false;
-        scaleX = static_cast<double>(imageLabel->width()) / image.width();
-        scaleY = static_cast<double>(imageLabel->height()) / image.height();
+        scaleX = static_cast<double>(shownSize.width()) / image.width();
+        scaleY = static_cast<double>(shownSize.height()) / image.height();
     }
     *imagePixel = QPoint(truncated(viewPoint.x() / scaleX), truncated(viewPoint.y() / scaleY));
     return true;

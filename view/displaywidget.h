@@ -6,7 +6,9 @@
 
 #include <QImage>
 #include <QPoint>
+#include <QPointer>
 #include <QScrollArea>
+#include <QSize>
 
 class BadpixelListModel;
 class QItemSelectionModel;
@@ -79,8 +81,9 @@ private:
     void selectRow(const QModelIndex &entry);
     void clearSelection();
 
-    QLabel *imageLabel = nullptr; // owned: made without a parent, deleted by the destructor
-    QImage image;                 // the last frame, unscaled and undrawn, in memory of its own
+    QPointer<QLabel> imageLabel; // owned: made without a parent, deleted by the destructor
+    QImage image;                // the last frame, unscaled and undrawn, in memory of its own
+    QSize shownSize;             // of the picture in the label, in view pixels; empty while none is shown
     ImageInfo bufferInfo;
     BadpixelListModel *listModel = nullptr;
     bool highlight = false;

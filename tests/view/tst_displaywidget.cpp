@@ -14,8 +14,12 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <vector>
+
+using Preparation = std::function<void(DisplayWidget &)>;
+Q_DECLARE_METATYPE(Preparation)
 
 namespace {
 
@@ -46,6 +50,15 @@ QImage black32(const QSize &size = FrameSize)
     return picture;
 }
 
+/// A black frame with a bright bar.
+QImage frameWithLine(const QRect &line)
+{
+    QImage frame = blackFrame();
+    for (int y = line.top(); y <= line.bottom(); ++y)
+        std::fill_n(frame.scanLine(y) + line.left(), line.width(), uchar(255));
+    return frame;
+}
+
 QPoint clickedPixel(const QSignalSpy &spy)
 {
     return spy.count() == 1 ? spy.first().first().toPoint() : QPoint(-1000, -1000);
@@ -64,6 +77,7 @@ private slots:
     void showsNothingBeforeTheFirstFrame();
     void looksAsTheWindowExpects();
     void deletesItsLabel();
+    void aLabelThatWentBeforeIsNotDeletedAgain();
     void withoutHighlightingTheFrameIsShownAsItIs();
     void aFrameWithoutColourTableIsShownGrey();
     void aNullImageLeavesTheViewAsItWas();
@@ -74,6 +88,7 @@ private slots:
 
     void anEntryAtTheOriginIsClippedNotMoved();
     void anEntryIsCircledWithinNinePixels();
+    void everyEntryIsCircledInTheOrderOfTheList();
     void entriesOutsideTheImageAreLeftOut();
     void circlesAreColouredByClass_data();
     void circlesAreColouredByClass();
@@ -101,6 +116,8 @@ private slots:
     void aClickTakesTheFirstOfSeveralEntries();
     void aClickWithoutListAndSelectionReportsThePixel();
     void aClickIntoAFittedViewGoesThroughThePicturesSize();
+    void aClickIntoAFittedRowOfPixelsReachesItsEnd();
+    void aClickIntoAFittedViewWithoutPictureAddressesNothing_data();
     void aClickIntoAFittedViewWithoutPictureAddressesNothing();
     void otherButtonsDoNothing();
     void theRightButtonComesFirst();
@@ -186,9 +203,18 @@ void TestDisplayWidget::looksAsTheWindowExpects()
 
 void TestDisplayWidget::deletesItsLabel()
 {
-    const QPointer<QLabel> watched = label();
+    const QObject *owner = view.get(); // as a DisplayWidget, being final, it would not be asked
+    QByteArray classThen;
+    connect(label(), &QObject::destroyed, this, [&] { classThen = owner->metaObject()->className(); });
     view.reset();
-    QVERIFY(watched.isNull());
+    QCOMPARE(classThen, QByteArray("DisplayWidget")); // before the scroll area takes it along
+}
+
+void TestDisplayWidget::aLabelThatWentBeforeIsNotDeletedAgain()
+{
+    delete view->takeWidget();
+    QVERIFY(!label());
+    view.reset();
 }
 
 void TestDisplayWidget::withoutHighlightingTheFrameIsShownAsItIs()
@@ -309,6 +335,25 @@ void TestDisplayWidget::anEntryIsCircledWithinNinePixels()
     QCOMPARE(shownFor(blackFrame()), expected);
 }
 
+void TestDisplayWidget::everyEntryIsCircledInTheOrderOfTheList()
+{
+    BadpixelListModelPeer::append(*list,
+                                  {{20, 15, Factory}, {24, 15, User}, {20, 19, Ignore}, {5, 20, User}});
+    QImage expected = black32();
+    QPainter painter(&expected);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::yellow);
+    painter.drawEllipse(16, 11, 9, 9);
+    painter.setPen(Qt::green);
+    painter.drawEllipse(20, 11, 9, 9);
+    painter.setPen(Qt::red);
+    painter.drawEllipse(16, 15, 9, 9);
+    painter.setPen(Qt::green);
+    painter.drawEllipse(1, 16, 9, 9);
+    painter.end();
+    QCOMPARE(shownFor(blackFrame()), expected);
+}
+
 void TestDisplayWidget::entriesOutsideTheImageAreLeftOut()
 {
     const QImage empty = shownFor(gradientFrame());
@@ -394,10 +439,13 @@ void TestDisplayWidget::theCrossHairNeedsFullScale()
     QFETCH(double, scale);
     QFETCH(bool, drawn);
     view->setScale(scale);
+    const QPoint position(24, 14);
     const QImage without = shownFor(blackFrame());
-    view->updateMagnifierPosition(QPoint(8, 12));
-    view->redrawImage();
-    QCOMPARE(shown() != without, drawn);
+    // Fast scaling takes this column and this row at each of the scales.
+    QVERIFY(shownFor(frameWithLine(QRect(position.x(), 0, 1, FrameSize.height()))) != without);
+    QVERIFY(shownFor(frameWithLine(QRect(0, position.y(), FrameSize.width(), 1))) != without);
+    view->updateMagnifierPosition(position);
+    QCOMPARE(shownFor(blackFrame()) != without, drawn);
 }
 
 void TestDisplayWidget::theCrossHairIsFaint()
@@ -591,11 +639,37 @@ void TestDisplayWidget::aClickIntoAFittedViewGoesThroughThePicturesSize()
     QCOMPARE(clickedPixel(clicked), QPoint(63, 15));
 }
 
+void TestDisplayWidget::aClickIntoAFittedRowOfPixelsReachesItsEnd()
+{
+    view->setScale(0.0);
+    QCOMPARE(shownFor(blackFrame(QSize(1000, 1))).size(), QSize(300, 1));
+    QSignalSpy clicked(view.get(), &DisplayWidget::positionClicked);
+    clickLabel(QPoint(299, 0));
+    QCOMPARE(clickedPixel(clicked), QPoint(996, 0));
+}
+
+void TestDisplayWidget::aClickIntoAFittedViewWithoutPictureAddressesNothing_data()
+{
+    QTest::addColumn<Preparation>("prepare");
+    QTest::newRow("before the first frame") << Preparation([](DisplayWidget &) {});
+    QTest::newRow("after clear()") << Preparation([](DisplayWidget &widget) {
+        widget.setImage(gradientFrame());
+        widget.clear();
+    });
+    QTest::newRow("after a fit into nothing") << Preparation([](DisplayWidget &widget) {
+        widget.resize(2, 2);
+        widget.setImage(gradientFrame());
+        widget.resize(302, 202);
+    });
+}
+
 void TestDisplayWidget::aClickIntoAFittedViewWithoutPictureAddressesNothing()
 {
+    QFETCH(Preparation, prepare);
     addUserEntry(300, 300);
     selection->select(list->index(0, 0), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     view->setScale(0.0);
+    prepare(*view);
     QSignalSpy clicked(view.get(), &DisplayWidget::positionClicked);
     QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, QPoint(20, 30));
     QVERIFY(clicked.isEmpty());
