@@ -31,8 +31,7 @@ protected:
     /// Deletes a widget that no layout has taken over.
     static void deleteUnplaced(QWidget *widget);
 
-    /// Lets the control report nothing for its own life. Where two meet, the end of the first ends the other's
-    /// silence too.
+    /// Lets the control report nothing for its own life. Where two meet, the first end is the end of both.
     class Silence final
     {
     public:

@@ -108,7 +108,8 @@ private slots:
     void changeValueRelativeMovesTheSpinBoxAlone();
     void theSliderFollowsBeforeTheValueIsReported();
     void receiversOfTheSliderMayReportOnceItWroteBack();
-    void emitValueChangedReportsTheSpinBox();
+    void emitValueChangedReportsTheSpinBoxExceptDuringACopy();
+    void aHeldSliderThatIsCopiedToReportsNothing();
     void aSecondChangeValueOnAnotherControlDuringTheFirstDoesNothing();
     void aSecondChangeValueRelativeOnAnotherControlDuringTheFirstDoesNothing();
     void theTwoCopiesDoNotHoldEachOtherUp();
@@ -583,14 +584,36 @@ void TestDoubleParameterWidget::receiversOfTheSliderMayReportOnceItWroteBack()
     QCOMPARE(reports(reported), Reports{7.5});
 }
 
-void TestDoubleParameterWidget::emitValueChangedReportsTheSpinBox()
+void TestDoubleParameterWidget::emitValueChangedReportsTheSpinBoxExceptDuringACopy()
 {
     DoubleParameterWidget control;
     setRange(&control, 0.0, 10.0, 0.5, 2.5);
-    control.changeValueRelative(7);
     QSignalSpy reported(&control, &DoubleParameterWidget::valueChanged);
+    int calls = 0;
+    interruptCopies(control, [&] {
+        ++calls;
+        control.emitValueChanged();
+    });
+    control.changeValueRelative(7);
+    QCOMPARE(calls, 1);
+    QCOMPARE(reported.count(), 0);
     control.emitValueChanged();
     QCOMPARE(reports(reported), Reports{3.5});
+}
+
+void TestDoubleParameterWidget::aHeldSliderThatIsCopiedToReportsNothing()
+{
+    DoubleParameterWidget control;
+    setRange(&control, 0.0, 10.0, 0.5, 2.5);
+    QSignalSpy reported(&control, &DoubleParameterWidget::valueChanged);
+    QSignalSpy moved(control.slider(), &QSlider::sliderMoved);
+    connect(control.slider(), &QSlider::sliderMoved, &control, &DoubleParameterWidget::emitValueChanged);
+    control.slider()->setSliderDown(true);
+    control.changeValue(8.0);
+    QCOMPARE(moved.count(), 1);
+    QCOMPARE(reported.count(), 0);
+    control.slider()->setSliderDown(false);
+    QCOMPARE(reports(reported), Reports{8.0});
 }
 
 void TestDoubleParameterWidget::aSecondChangeValueOnAnotherControlDuringTheFirstDoesNothing()
