@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr qint64 LargestFile = 4 * 1024 * 1024; // bytes
-constexpr int DeepestNesting = 100;             // elements; a parameter file has three
+constexpr int LargestFile = 4 * 1024 * 1024; // bytes
+constexpr int DeepestNesting = 100;          // elements; a parameter file has three
 
 /// Whether the document tree can be built of this: the tree is freed by recursion, so that deep nesting would
 /// overflow the stack, and entities can blow a small file up to any size.
@@ -42,12 +42,11 @@ int wholeNumber(const QDomElement &element, const char *attribute)
     return text(element, attribute).toInt(); // 0 for what is no number
 }
 
-/// "nan", "inf" and what is too large for a number are no numbers here.
+/// "nan", "inf" and what is too large for a number are no numbers here either.
 double number(const QDomElement &element, const char *attribute)
 {
-    bool isNumber = false;
-    const double value = text(element, attribute).toDouble(&isNumber);
-    return isNumber && std::isfinite(value) ? value : 0.0;
+    const double value = text(element, attribute).toDouble();
+    return std::isfinite(value) ? value : 0.0;
 }
 
 bool isFor(const QDomElement &sensor, std::uint16_t sensorId)
