@@ -91,6 +91,7 @@ signals:
 public slots:
     // Each setter cuts its value to the setting's range and tells the camera. A setter does nothing while a
     // call of the same one, on whichever camera, is under way: controls answer a changed signal with a call.
+    // Nor does it while no camera is open: a control reports what was typed when it is disabled.
 
     /// Also refreshes the frame rate and the exposure, whose ranges depend on it.
     void setPixelclock(int value);

@@ -20,6 +20,8 @@ constexpr int DefaultMastergain = 50;
 
 void Camera::setAutoConfig()
 {
+    if (!isOpen())
+        return;
     if (const std::optional<SensorSettings> settings = readSettings())
         applySettings(*settings);
     else

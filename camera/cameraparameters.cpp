@@ -51,7 +51,7 @@ FrameTimes frameTimes(kelvo::Handle handle)
 
 void Camera::setPixelclock(int value)
 {
-    if (settingPixelclock)
+    if (!isOpen() || settingPixelclock)
         return;
     const FlagSetter busy(settingPixelclock);
     const int wanted = clamped(value, pixelclock);
@@ -70,7 +70,7 @@ void Camera::setPixelclockRelative(int value)
 
 void Camera::setFramerate(double value)
 {
-    if (settingFramerate)
+    if (!isOpen() || settingFramerate)
         return;
     const FlagSetter busy(settingFramerate);
     const double wanted = clamped(value, framerate);
@@ -89,7 +89,7 @@ void Camera::setFramerateRelative(int value)
 
 void Camera::setExposure(double value)
 {
-    if (settingExposure)
+    if (!isOpen() || settingExposure)
         return;
     const FlagSetter busy(settingExposure);
     const double wanted = clamped(value, exposure);
@@ -108,7 +108,7 @@ void Camera::setExposureRelative(int value)
 
 void Camera::setMastergain(int value)
 {
-    if (settingMastergain)
+    if (!isOpen() || settingMastergain)
         return;
     const FlagSetter busy(settingMastergain);
     announceMastergain(value);

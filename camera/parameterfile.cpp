@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr int LargestFile = 4 * 1024 * 1024; // bytes
-constexpr int DeepestNesting = 100;          // elements; a parameter file has three
+constexpr int LargestFile = 64 * 1024; // bytes; thousands of attributes in one element take the reader long
+constexpr int DeepestNesting = 100;    // elements; a parameter file has three
 
 /// Whether the document tree can be built of this: the tree is freed by recursion, so that deep nesting would
 /// overflow the stack, and entities can blow a small file up to any size.

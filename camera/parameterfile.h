@@ -29,7 +29,7 @@ class ParameterFile final
 public:
     /// Reads the whole device, which is open for reading.
     /// @return false when it holds no well-formed XML; there are no settings then. Nesting deeper than any
-    /// parameter file needs, entities of its own and more than 4 MiB count as that, so that no file takes the
+    /// parameter file needs, entities of its own and more than 64 KiB count as that, so that no file takes the
     /// program down.
     bool load(QIODevice &device);
 
