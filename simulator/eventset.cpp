@@ -22,7 +22,7 @@ Failure unknownEvent()
 void EventSet::add(std::uint32_t code)
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    events[code];
+    ++events[code].registrations;
 }
 
 void EventSet::enable(const std::vector<std::uint32_t> &codes)
@@ -38,11 +38,11 @@ void EventSet::enable(const std::vector<std::uint32_t> &codes)
 void EventSet::disable(const std::vector<std::uint32_t> &codes)
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    std::size_t forgotten = 0;
+    bool known = true;
     for (const std::uint32_t code : codes)
-        forgotten += events.erase(code);
+        known = takeBack(code) && known;
     changed.notifyAll();
-    if (forgotten != codes.size())
+    if (!known)
         throw unknownEvent();
 }
 
@@ -116,6 +116,17 @@ int EventSet::waitingCount() const
 {
     const std::lock_guard<std::mutex> lock(mutex);
     return waiting;
+}
+
+/// @return false when the event is not registered
+bool EventSet::takeBack(std::uint32_t code)
+{
+    const auto event = events.find(code);
+    if (event == events.end())
+        return false;
+    if (--event->second.registrations == 0)
+        events.erase(event);
+    return true;
 }
 
 EventSet::Event *EventSet::enabledEvent(std::uint32_t code)

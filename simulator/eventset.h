@@ -25,13 +25,15 @@ public:
         std::uint32_t milliseconds = Forever;
     };
 
+    /// Registers the event once more: it is known until every registration was taken back.
     void add(std::uint32_t code);
 
     /// @throws Failure when one of the codes was never registered; then none of them is enabled
     void enable(const std::vector<std::uint32_t> &codes);
 
-    /// Disables the events and forgets them; waits on them end with a failure.
-    /// @throws Failure when one of the codes is unknown; the others are forgotten all the same
+    /// Takes one registration of each event back, so that one listener's end leaves the others their events.
+    /// With the last one the event is disabled and forgotten, and waits on it end with a failure.
+    /// @throws Failure when one of the codes is unknown; the others are taken back all the same
     void disable(const std::vector<std::uint32_t> &codes);
 
     /// @throws Failure when the event is not enabled
@@ -60,10 +62,12 @@ public:
 private:
     struct Event
     {
+        int registrations = 0;
         bool enabled = false;
         bool pending = false;
     };
 
+    bool takeBack(std::uint32_t code);
     Event *enabledEvent(std::uint32_t code);
     bool isMet(const Wait &wanted);
     std::uint32_t take(const Wait &wanted);

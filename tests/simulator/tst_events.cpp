@@ -57,6 +57,7 @@ private slots:
     void anUnregisteredEventCannotBeEnabledOrSignalled();
     void aWaitOnADisabledEventFails();
     void disablingEndsWaits();
+    void oneListenersEndLeavesTheOthersTheirEvents();
     void closingTheCameraEndsItsWaits();
     void aCancelledWaitLeavesTheLibraryUsable();
     void aCancelledBlockedCallLeavesTheLibraryUsable();
@@ -178,6 +179,23 @@ void TestEvents::disablingEndsWaits()
     vx_Event(0, 2, &code, sizeof code);
     thread.join();
     QCOMPARE(kelvosim::waitingThreads(), 0);
+}
+
+void TestEvents::oneListenersEndLeavesTheOthersTheirEvents()
+{
+    enableEvents(0, {5, 6});
+    enableEvents(0, {5});
+    std::uint32_t result = 0;
+    std::thread thread([&result] { result = waitForever(0, {5}); });
+    QTRY_COMPARE(kelvosim::waitingThreads(), 1);
+    std::uint32_t codes[] = {6, 5};
+    QCOMPARE(vx_Event(0, 2, codes, sizeof codes), 0);
+    QCOMPARE(kelvosim::enabledEvents(), 1);
+    QCOMPARE(signalEvent(0, 5), 0);
+    thread.join();
+    QCOMPARE(result, 5u);
+    QVERIFY(vx_Event(0, 2, codes, sizeof codes) != 0);
+    QCOMPARE(kelvosim::enabledEvents(), 0);
 }
 
 void TestEvents::closingTheCameraEndsItsWaits()
