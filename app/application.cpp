@@ -5,7 +5,8 @@
 
 #include "guard.h"
 
-Application::Application(int &argc, char **argv) : QApplication(argc, argv)
+Application::Application(int &argc, char **argv)
+    : QApplication(argc, argv)
 {
 }
 

@@ -18,7 +18,9 @@ constexpr int RefreshMilliseconds = 1000;
 } // namespace
 
 MainWindow::MainWindow(QWidget *parent)
-    : QMainWindow(parent), form(std::make_unique<Ui::MainWindow>()), cameraList(RefreshMilliseconds, nullptr)
+    : QMainWindow(parent)
+    , form(std::make_unique<Ui::MainWindow>())
+    , cameraList(RefreshMilliseconds, nullptr)
 {
     try {
         build();

@@ -186,7 +186,7 @@ private:
     int scaleFactor = 1; // view pixels an image pixel; 1 for reductions too, 0 to fit
     bool detecting = false;
     uint detectionThreshold = 25;
-    double shownMark = 1111.0; // Kept: nobody reads it; every change of what is shown resets it
+    double shownMark = 1111.0;  // Kept: nobody reads it; every change of what is shown resets it
     QVector<QImage> darkFrames; // deep copies: the camera's buffers are borrowed
     int detectionPercent = 0;
     QPoint magnifierPosition; // image pixels

@@ -45,13 +45,15 @@ void MainWindow::createHotpixelActions()
 {
     writeListAction = addNamedAction("writeListAction", tr("&Write hot pixel"), "writeBadpixel.png");
     writeListAction->setEnabled(false);
-    correctionAction = addNamedAction("correctionAction", tr("Hot pixel correction"), "badpixelCorrection.png");
+    correctionAction =
+        addNamedAction("correctionAction", tr("Hot pixel correction"), "badpixelCorrection.png");
     correctionAction->setCheckable(true);
     correctionAction->setEnabled(false);
     addBadpixelAction = addNamedAction("addBadpixelAction", tr("&Add hot pixel"), "addBadpixel.png");
     addBadpixelAction->setShortcut(QKeySequence(Qt::CTRL + Qt::Key_A));
     addBadpixelAction->setEnabled(false);
-    deleteBadpixelAction = addNamedAction("deleteBadpixelAction", tr("&Delete hot pixel"), "deleteBadpixel.png");
+    deleteBadpixelAction =
+        addNamedAction("deleteBadpixelAction", tr("&Delete hot pixel"), "deleteBadpixel.png");
     deleteBadpixelAction->setShortcut(QKeySequence(Qt::Key_Delete));
     clearBadpixelAction = addNamedAction("clearBadpixelAction", tr("Clear user hot pixel"));
     deleteBadpixelAction->setEnabled(false);
@@ -79,8 +81,8 @@ void MainWindow::createZoomActions()
     zoomToFitAction->setEnabled(false);
 
     zoomMenu = new QMenu(this);
-    zoomMenu->addActions({zoom1to4Action, zoom1to2Action, zoom1to1Action, zoom2to1Action, zoom4to1Action,
-                          zoomToFitAction});
+    zoomMenu->addActions(
+        {zoom1to4Action, zoom1to2Action, zoom1to1Action, zoom2to1Action, zoom4to1Action, zoomToFitAction});
     zoomAction = addNamedAction("zoomAction", zoom1to1Action->text(), "zoom.png");
     zoomAction->setMenu(zoomMenu);
     zoomAction->setEnabled(false);
@@ -103,7 +105,8 @@ void MainWindow::createToolBar()
     QToolBar *bar = form->mainToolBar;
     bar->addActions({openCameraAction, closeCameraAction});
     bar->addSeparator();
-    bar->addActions({correctionAction, detectAction, writeListAction, addBadpixelAction, deleteBadpixelAction});
+    bar->addActions(
+        {correctionAction, detectAction, writeListAction, addBadpixelAction, deleteBadpixelAction});
     bar->addSeparator();
     bar->addActions({highlightAction, zoomAction});
     // One plain click opens the zoom menu.
@@ -125,7 +128,8 @@ void MainWindow::createFileMenu()
 void MainWindow::createViewMenu()
 {
     showCameraListAction = addNamedAction("showCameraListAction", tr("Camera list"), "cameraList.png");
-    showBadpixelListAction = addNamedAction("showBadpixelListAction", tr("Hot pixel list"), "badpixelList.png");
+    showBadpixelListAction =
+        addNamedAction("showBadpixelListAction", tr("Hot pixel list"), "badpixelList.png");
     showMagnifierAction = addNamedAction("showMagnifierAction", tr("Magnifier"), "window_view.png");
     showCameraSliderAction =
         addNamedAction("showCameraSliderAction", tr("Camera properties"), "cameraproperties.png");
@@ -148,17 +152,17 @@ void MainWindow::createViewMenu()
 struct MainWindow::Zoom
 {
     QAction *action;
-    double scale;     // view pixels an image pixel; 0.0 fits the image into the view
-    int scaleFactor;  // Kept: the reductions count as 1
+    double scale;    // view pixels an image pixel; 0.0 fits the image into the view
+    int scaleFactor; // Kept: the reductions count as 1
 };
 
 void MainWindow::onZoomChanged(QAction *act)
 {
-    for (QAction *action : {zoom1to1Action, zoom2to1Action, zoom4to1Action, zoom1to4Action, zoom1to2Action,
-                            zoomToFitAction})
+    for (QAction *action :
+         {zoom1to1Action, zoom2to1Action, zoom4to1Action, zoom1to4Action, zoom1to2Action, zoomToFitAction})
         action->setChecked(false);
     shownMark = 1111.0;
-    const Zoom zooms[] = {{zoom1to1Action, 1.0, 1}, {zoom2to1Action, 2.0, 2},   {zoom4to1Action, 4.0, 4},
+    const Zoom zooms[] = {{zoom1to1Action, 1.0, 1}, {zoom2to1Action, 2.0, 2},  {zoom4to1Action, 4.0, 4},
                           {zoom1to2Action, 0.5, 1}, {zoom1to4Action, 0.25, 1}, {zoomToFitAction, 0.0, 0}};
     for (const Zoom &zoom : zooms) {
         if (zoom.action != act)

@@ -51,9 +51,10 @@ void MainWindow::checkCorrectionSupport()
     const bool supported = camera.isOpen() && camera.supportsCameraCorrection();
     writeListAction->setEnabled(supported);
     if (camera.isOpen() && !supported)
-        QMessageBox::warning(this, tr("Please note!"),
-                             tr("This camera only supports software correction and therefore can't save inside "
-                                "the camera memory."));
+        QMessageBox::warning(
+            this, tr("Please note!"),
+            tr("This camera only supports software correction and therefore can't save inside "
+               "the camera memory."));
 }
 
 void MainWindow::closeCamera()
@@ -121,8 +122,8 @@ void MainWindow::updateCameraActions()
 {
     const CameraEntry entry = selectedCamera();
     openCameraAction->setEnabled(!entry.inUse && !entry.serialNumber.isEmpty());
-    for (QAction *action : {closeCameraAction, correctionAction, detectAction, addBadpixelAction,
-                            writeListAction, zoomAction})
+    for (QAction *action :
+         {closeCameraAction, correctionAction, detectAction, addBadpixelAction, writeListAction, zoomAction})
         action->setEnabled(entry.opened);
 }
 

@@ -18,7 +18,8 @@ constexpr int TooManyBrightBytes = 5001;
 /// A covered sensor has few bright bytes; many mean that light falls in.
 bool leaksLight(const QImage &frame)
 {
-    const std::size_t count = static_cast<std::size_t>(frame.bytesPerLine()) * static_cast<std::size_t>(frame.height());
+    const std::size_t count =
+        static_cast<std::size_t>(frame.bytesPerLine()) * static_cast<std::size_t>(frame.height());
     const uchar *bytes = frame.constBits();
     int bright = 0;
     for (std::size_t i = 0; i < count; ++i) {
@@ -84,9 +85,10 @@ void MainWindow::captureDarkFrame(const QImage &frame)
 void MainWindow::reportLightLeak()
 {
     dropRun();
-    QMessageBox::critical(this, tr("Detection failed"),
-                          tr("Too many hot pixel have been found.\nPlease make sure that the sensor is completely "
-                             "obscured and the threshold is not too low."));
+    QMessageBox::critical(
+        this, tr("Detection failed"),
+        tr("Too many hot pixel have been found.\nPlease make sure that the sensor is completely "
+           "obscured and the threshold is not too low."));
     abortRun();
 }
 

@@ -50,7 +50,8 @@ void MainWindow::createCameraListDock()
     cameraTable->resizeColumnsToContents();
     cameraTable->setContextMenuPolicy(Qt::CustomContextMenu);
     cameraTable->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContentsOnFirstShow);
-    connect(cameraTable, &QTableView::customContextMenuRequested, this, &MainWindow::showCameraListContextMenu);
+    connect(cameraTable, &QTableView::customContextMenuRequested, this,
+            &MainWindow::showCameraListContextMenu);
     connect(cameraTable, &QTableView::doubleClicked, this, &MainWindow::openCamera);
     cameraListDock = createDock(tr("Camera list"), "CameraListDock", cameraTable, this);
     cameraListDock->setAllowedAreas(SideAreas);
@@ -111,8 +112,8 @@ void MainWindow::createCameraSliderDock()
     addDockWidget(Qt::LeftDockWidgetArea, cameraSliderDock);
 }
 
-/// No signal is blocked on the way round: controls report values that the camera clamps, and the camera's busy
-/// flags end the loop. The pixel clock has no control.
+/// No signal is blocked on the way round: controls report values that the camera clamps, and the camera's
+/// busy flags end the loop. The pixel clock has no control.
 void MainWindow::connectCameraSliders()
 {
     DoubleParameterWidget *framerate = parameterBlock->framerate();

@@ -56,15 +56,17 @@ void MainWindow::clearUserEntries()
 void MainWindow::writeBadpixelList()
 {
     if (!camera.supportsCameraCorrection()) {
-        QMessageBox::critical(this, tr("Not supported!"),
-                              tr("This camera only supports software correction and can't be saved inside the "
-                                 "camera memory!"));
+        QMessageBox::critical(
+            this, tr("Not supported!"),
+            tr("This camera only supports software correction and can't be saved inside the "
+               "camera memory!"));
         return;
     }
     QMessageBox question(this);
     question.setIcon(QMessageBox::Warning);
-    question.setText(tr("This action will completely overwrite the user defined hot pixel list in the EEPROM of "
-                        "the camera."));
+    question.setText(
+        tr("This action will completely overwrite the user defined hot pixel list in the EEPROM of "
+           "the camera."));
     question.setInformativeText(tr("Do you want to continue?"));
     question.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     question.setDefaultButton(QMessageBox::No); // Enter alone must not overwrite a list

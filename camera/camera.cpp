@@ -25,7 +25,8 @@ bool isRefused(std::uint16_t sensorId)
 
 } // namespace
 
-Camera::Camera(QObject *parent) : QObject(parent)
+Camera::Camera(QObject *parent)
+    : QObject(parent)
 {
     cameraEvents.holdBack(kelvo::EventFrame);
     connect(&deviceEvents, &EventThread::eventhappen, this, &Camera::eventReceived);
@@ -85,8 +86,8 @@ void Camera::initCamera(int deviceNumber)
     if (status == kelvo::FirmwareUploadRequired) {
         std::int32_t milliseconds = 25000;
         vx_GetDuration(number, kelvo::DurationOfFirmwareUpload, &milliseconds);
-        emit displayError(QString("Upload of new firmware required. (approx. %1 seconds)").arg(milliseconds / 1000),
-                          2000);
+        emit displayError(
+            QString("Upload of new firmware required. (approx. %1 seconds)").arg(milliseconds / 1000), 2000);
         opened = number | kelvo::FirmwareUploadFlag;
         status = vx_InitCamera(&opened, nullptr); // blocks for the whole upload
     }

@@ -183,7 +183,8 @@ void Camera::setBadPixelCorrection(bool enable)
     double actual = 0.0;
     vx_SetFrameRate(cameraHandle, 1.0 / frameTimes(cameraHandle).min, &actual);
     vx_HotPixel(cameraHandle,
-                enable ? kelvo::HotpixelEnableSoftwareCorrection : kelvo::HotpixelDisableCorrection, nullptr, 0);
+                enable ? kelvo::HotpixelEnableSoftwareCorrection : kelvo::HotpixelDisableCorrection, nullptr,
+                0);
     vx_SetFrameRate(cameraHandle, rate, &actual);
     vx_SetExposureTime(cameraHandle, exposure.value, &actual);
     vx_CaptureVideo(cameraHandle, kelvo::WaitUntilDone);

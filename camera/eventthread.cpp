@@ -5,7 +5,9 @@
 
 #include "eventidpool.h"
 
-EventThread::EventThread(QObject *parent) : QThread(parent), wakeCode(EventIdPool::take())
+EventThread::EventThread(QObject *parent)
+    : QThread(parent)
+    , wakeCode(EventIdPool::take())
 {
     landing.setSingleShot(true);
     landing.setInterval(0);

@@ -11,7 +11,9 @@ struct ImageInfo
 {
     ImageInfo() = default;
     ImageInfo(std::uint32_t imageWidth, std::uint32_t imageHeight, std::uint32_t imageBitsPerPixel)
-        : width(imageWidth), height(imageHeight), bitsPerPixel(imageBitsPerPixel)
+        : width(imageWidth)
+        , height(imageHeight)
+        , bitsPerPixel(imageBitsPerPixel)
     {
     }
 

@@ -6,7 +6,8 @@
 #include <memory>
 #include <stdexcept>
 
-ImageMemory::ImageMemory(kelvo::Handle camera, const ImageInfo &info) : handle(camera)
+ImageMemory::ImageMemory(kelvo::Handle camera, const ImageInfo &info)
+    : handle(camera)
 {
     const kelvo::Status status = vx_AllocImageMem(
         handle, static_cast<std::int32_t>(info.width), static_cast<std::int32_t>(info.height),

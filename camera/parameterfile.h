@@ -29,8 +29,8 @@ class ParameterFile final
 public:
     /// Reads the whole device, which is open for reading.
     /// @return false when it holds no well-formed XML; there are no settings then. Nesting deeper than any
-    /// parameter file needs, entities of its own and more than 64 KiB count as that, so that no file takes the
-    /// program down.
+    /// parameter file needs, entities of its own and more than 64 KiB count as that, so that no file takes
+    /// the program down.
     bool load(QIODevice &device);
 
     /// The settings of the first entry for this sensor; none when there is no such entry, or when it lacks

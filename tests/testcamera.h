@@ -107,7 +107,8 @@ inline std::vector<std::uint8_t> flatFrame(const kelvosim::CameraSpec &spec, std
 /// Nothing of the library is held any more.
 inline bool nothingHeld()
 {
-    return kelvosim::openHandles() == 0 && kelvosim::allocatedBuffers() == 0 && kelvosim::lockedBuffers() == 0;
+    return kelvosim::openHandles() == 0 && kelvosim::allocatedBuffers() == 0 &&
+           kelvosim::lockedBuffers() == 0;
 }
 
 } // namespace testcamera

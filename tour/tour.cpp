@@ -58,7 +58,8 @@ kelvosim::CameraSpec camera(const std::string &serial, const std::string &model,
 
 } // namespace
 
-Tour::Tour(const QString &pictureFolder) : folder(QDir(pictureFolder).absolutePath())
+Tour::Tour(const QString &pictureFolder)
+    : folder(QDir(pictureFolder).absolutePath())
 {
     if (!folder.mkpath("."))
         throw std::runtime_error("cannot make the folder " + pictureFolder.toStdString());
@@ -112,7 +113,8 @@ bool Tour::play()
     writeList();
     closeAndReopen();
     switchCorrection();
-    tell(failures ? QString("%1 steps did not show what they should").arg(failures) : "every step showed what it should");
+    tell(failures ? QString("%1 steps did not show what they should").arg(failures)
+                  : "every step showed what it should");
     return failures == 0;
 }
 
@@ -161,7 +163,8 @@ void Tour::openCamera()
     check(driver->selectCamera(QString::fromStdString(Serial)), "the camera is listed");
     driver->trigger("openCameraAction");
     check(waitForFrames(5), "live frames arrive");
-    check(WindowDriver::waitFor([this] { return driver->cameraStatus(QString::fromStdString(Serial)) == "opened"; }),
+    check(WindowDriver::waitFor(
+              [this] { return driver->cameraStatus(QString::fromStdString(Serial)) == "opened"; }),
           "the list shows it as opened");
     takePicture("live");
 }
@@ -212,8 +215,8 @@ void Tour::watchDetection(QWidget *dialogue)
     qobject_cast<QDialog *>(dialogue)->reject();
 }
 
-/// What the sensor model planted against what the list shows. Pixels close to the threshold count neither way,
-/// nor do the last rows, which the detector's walk does not reach.
+/// What the sensor model planted against what the list shows. Pixels close to the threshold count neither
+/// way, nor do the last rows, which the detector's walk does not reach.
 void Tour::compareWithTruth()
 {
     const std::set<Position> listed = listedPositions(driver->badpixelTable());
@@ -337,7 +340,11 @@ void Tour::switchCorrection()
     waitForFrames(4);
     WindowDriver::waitFor([&] { return greyAt(pixel) < before / 2; }, 3000);
     const int after = greyAt(pixel);
-    tell(QString("   pixel (%1, %2) reads %3 before and %4 after").arg(pixel.x).arg(pixel.y).arg(before).arg(after));
+    tell(QString("   pixel (%1, %2) reads %3 before and %4 after")
+             .arg(pixel.x)
+             .arg(pixel.y)
+             .arg(before)
+             .arg(after));
     check(after < before / 2, "a listed pixel vanishes from the image");
     kelvosim::setLensCap(Serial, false);
     waitForFrames(4);

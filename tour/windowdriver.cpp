@@ -17,7 +17,6 @@
 #include <QTableView>
 #include <QTimer>
 
-
 namespace {
 
 constexpr int SerialColumn = 3;
@@ -34,7 +33,8 @@ int rowOf(const QTableView *table, const QString &serial)
 
 } // namespace
 
-WindowDriver::WindowDriver(MainWindow &mainWindow) : window(mainWindow)
+WindowDriver::WindowDriver(MainWindow &mainWindow)
+    : window(mainWindow)
 {
 }
 
@@ -114,11 +114,13 @@ void WindowDriver::clickPixel(const QPoint &pixel) const
     const QAction *zoom = action("zoomAction");
     const QStringList ratio = zoom->text().split(':');
     const double scale = ratio.at(0).toDouble() / ratio.at(1).toDouble();
-    const QPoint inLabel(static_cast<int>((pixel.x() + 0.5) * scale), static_cast<int>((pixel.y() + 0.5) * scale));
+    const QPoint inLabel(static_cast<int>((pixel.x() + 0.5) * scale),
+                         static_cast<int>((pixel.y() + 0.5) * scale));
     const QPoint inView = inLabel + label->pos();
     for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
         const bool press = type == QEvent::MouseButtonPress;
-        QMouseEvent event(type, inView, Qt::LeftButton, press ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+        QMouseEvent event(type, inView, Qt::LeftButton, press ? Qt::LeftButton : Qt::NoButton,
+                          Qt::NoModifier);
         QApplication::sendEvent(display()->viewport(), &event);
     }
 }

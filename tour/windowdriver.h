@@ -29,7 +29,7 @@ public:
     QTableView *cameraTable() const;
     QTableView *badpixelTable() const;
     DisplayWidget *display() const;
-    QString message() const; ///< of the status bar
+    QString message() const;   ///< of the status bar
     QImage shownImage() const; ///< what the view shows, in view pixels; null when it shows nothing
 
     /// The text of a cell of the camera table or of the hot pixel table.

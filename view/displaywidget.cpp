@@ -4,6 +4,7 @@
 #include "displaywidget.h"
 
 #include "badpixellistmodel.h"
+#include "truncate.h"
 
 #include <QItemSelectionModel>
 #include <QKeyEvent>
@@ -12,8 +13,6 @@
 #include <QPainter>
 #include <QPen>
 #include <QScrollBar>
-
-#include <limits>
 
 namespace {
 
@@ -33,13 +32,6 @@ constexpr int ClickTolerance = 7;
 constexpr int FrameWidth = 2;
 
 constexpr double ToFit = 0.0;
-
-/// Cut toward zero, and to what an int can hold.
-int truncated(double value)
-{
-    return static_cast<int>(
-        qBound<double>(std::numeric_limits<int>::min(), value, std::numeric_limits<int>::max()));
-}
 
 QRect circleRound(const Badpixel &entry, int radius)
 {

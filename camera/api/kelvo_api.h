@@ -35,8 +35,8 @@ KELVO_API int32_t vx_HotPixel(uint32_t h, uint32_t command, void *data, uint32_t
 KELVO_API int32_t vx_Event(uint32_t h, uint32_t command, void *data, uint32_t size);
 
 /* Image memory, the sequence and capture. */
-KELVO_API int32_t vx_AllocImageMem(uint32_t h, int32_t width, int32_t height, int32_t bitsPerPixel, char **memory,
-                                   int32_t *memoryId);
+KELVO_API int32_t vx_AllocImageMem(uint32_t h, int32_t width, int32_t height, int32_t bitsPerPixel,
+                                   char **memory, int32_t *memoryId);
 KELVO_API int32_t vx_FreeImageMem(uint32_t h, char *memory, int32_t memoryId);
 KELVO_API int32_t vx_AddToSequence(uint32_t h, char *memory, int32_t memoryId);
 KELVO_API int32_t vx_ClearSequence(uint32_t h);

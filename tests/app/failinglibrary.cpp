@@ -4,7 +4,10 @@
 #include "kelvo_api.h"
 
 #define FAILS(function, ...)                                                                                 \
-    int32_t function(__VA_ARGS__) { return 1; }
+    int32_t function(__VA_ARGS__)                                                                            \
+    {                                                                                                        \
+        return 1;                                                                                            \
+    }
 
 extern "C" {
 FAILS(vx_GetNumberOfCameras, int32_t *)

@@ -16,8 +16,8 @@
 
 namespace {
 
-const char *const CameraActions[] = {"closeCameraAction", "correctionAction", "detectAction", "addBadpixelAction",
-                                     "writeListAction", "zoomAction"};
+const char *const CameraActions[] = {"closeCameraAction", "correctionAction", "detectAction",
+                                     "addBadpixelAction", "writeListAction",  "zoomAction"};
 
 } // namespace
 
@@ -207,8 +207,9 @@ void TestConnection::aCameraThatCannotStoreListsIsAnnouncedAfterOpening()
         box->button(QMessageBox::Ok)->click();
     });
     bench.open(bench.plain);
-    QCOMPARE(text, QString("This camera only supports software correction and therefore can't save inside the "
-                           "camera memory."));
+    QCOMPARE(text,
+             QString("This camera only supports software correction and therefore can't save inside the "
+                     "camera memory."));
     QCOMPARE(title, QString("Please note!"));
     QVERIFY(!writeEnabled);
     QCOMPARE(kelvosim::openHandles(), 1);
@@ -335,8 +336,9 @@ void TestConnection::afterReplugTheRowInUseIsSelectedAndTheImageShows()
     kelvosim::unplug("KVMONO");
     QTRY_VERIFY(!imageVisible());
     QTRY_COMPARE(bench.driver->cameraStatus(bench.mono), QString());
-    // Whether the camera or the bus speaks first is open, so the list is kept from refreshing until both have.
-    QSignalSpy failed(bench.driver->cameraTable()->model(), SIGNAL(refreshFailed(QString,int)));
+    // Whether the camera or the bus speaks first is open, so the list is kept from refreshing until both
+    // have.
+    QSignalSpy failed(bench.driver->cameraTable()->model(), SIGNAL(refreshFailed(QString, int)));
     kelvosim::failCall("vx_GetNumberOfCameras", kelvosim::EveryCall, 3, "bus error");
     kelvosim::plug("KVMONO");
     QTRY_VERIFY(imageVisible());

@@ -125,7 +125,8 @@ private:
         for (int i = 0; i < count; ++i) {
             const std::uint64_t shown = frames;
             QVERIFY(bench.push(serial, frame));
-            QVERIFY(WindowDriver::waitFor([&] { return kelvosim::lockedBuffers() == 0 && handled() > shown; }));
+            QVERIFY(
+                WindowDriver::waitFor([&] { return kelvosim::lockedBuffers() == 0 && handled() > shown; }));
             frames = handled();
         }
     }
@@ -465,7 +466,8 @@ void TestDetectionRun::detectionOfA32BitCameraIsRefused()
         start(dialogue);
         feed(11, std::vector<std::uint8_t>(96 * 80 * 4, 0));
         QVERIFY(isIdle(dialogue));
-        QVERIFY(hasLabel(dialogue, "Image format for hot pixel detection not supported. Please restart detection."));
+        QVERIFY(hasLabel(dialogue,
+                         "Image format for hot pixel detection not supported. Please restart detection."));
     });
     QCOMPARE(bench.rows(), 2);
 }

@@ -220,8 +220,11 @@ void TestHotpixelWork::theFocusIsClampedToTheImage()
 {
     showFrame();
     QSignalSpy moved(bench.window.get(), &MainWindow::magnifierPositionChanged);
-    const QPair<QPoint, QPoint> moves[] = {{{-1, -5}, {0, 0}},   {{95, 79}, {95, 79}}, {{96, 80}, {95, 79}},
-                                           {{5, 4000}, {5, 79}}, {{-3, 20}, {0, 20}}};
+    const QPair<QPoint, QPoint> moves[] = {{{-1, -5}, {0, 0}},
+                                           {{95, 79}, {95, 79}},
+                                           {{96, 80}, {95, 79}},
+                                           {{5, 4000}, {5, 79}},
+                                           {{-3, 20}, {0, 20}}};
     for (const auto &[wanted, actual] : moves) {
         bench.moveTo(wanted);
         QCOMPARE(moved.last().first().toPoint(), actual);
@@ -401,8 +404,9 @@ void TestHotpixelWork::writingAsksAndStoresTheUserEntries()
         box->button(QMessageBox::Yes)->click();
     });
     bench.driver->trigger("writeListAction");
-    QCOMPARE(text, QString("This action will completely overwrite the user defined hot pixel list in the EEPROM of "
-                           "the camera."));
+    QCOMPARE(text,
+             QString("This action will completely overwrite the user defined hot pixel list in the EEPROM of "
+                     "the camera."));
     QCOMPARE(kelvosim::storedUserList("KVMONO"), (std::vector<kelvosim::Pixel>{{33, 44}, {50, 51}}));
     QVERIFY(bench.driver->message().isEmpty());
 }
@@ -478,8 +482,9 @@ void TestHotpixelWork::writingToACameraWithoutStorageIsRefused()
     });
     bench.invoke("writeBadpixelList");
     QCOMPARE(title, QString("Not supported!"));
-    QCOMPARE(text, QString("This camera only supports software correction and can't be saved inside the camera "
-                           "memory!"));
+    QCOMPARE(text,
+             QString("This camera only supports software correction and can't be saved inside the camera "
+                     "memory!"));
 }
 
 void TestHotpixelWork::aListWithoutUserEntriesDeletesTheStoredOne()

@@ -95,15 +95,14 @@ void TestMainWindow::actionsHaveTheirTextsIconsAndStates_data()
     QTest::addColumn<bool>("checked");
     QTest::addColumn<bool>("enabled"); // with no camera in the list
 
-    const QStringList enabledAtStart{"highlightAction",  "clearBadpixelAction", "zoom1to1Action",
-                                     "zoom2to1Action",   "zoom4to1Action",      "zoom1to2Action",
-                                     "zoom1to4Action",   "exitAction",          "showCameraListAction",
-                                     "showBadpixelListAction", "showMagnifierAction",
-                                     "showCameraSliderAction"};
+    const QStringList enabledAtStart{
+        "highlightAction",      "clearBadpixelAction",    "zoom1to1Action",      "zoom2to1Action",
+        "zoom4to1Action",       "zoom1to2Action",         "zoom1to4Action",      "exitAction",
+        "showCameraListAction", "showBadpixelListAction", "showMagnifierAction", "showCameraSliderAction"};
     const auto row = [&](const char *name, const char *text, bool icon, const char *shortcut, bool checkable,
                          bool checked) {
-        QTest::newRow(name) << QString(name) << QString(text) << icon << QString(shortcut) << checkable << checked
-                            << enabledAtStart.contains(name);
+        QTest::newRow(name) << QString(name) << QString(text) << icon << QString(shortcut) << checkable
+                            << checked << enabledAtStart.contains(name);
     };
     row("openCameraAction", "&Open camera", true, "", false, false);
     row("closeCameraAction", "&Close camera", true, "", false, false);
@@ -155,8 +154,9 @@ void TestMainWindow::menusAreInOrder()
     QCOMPARE(textsOf(menus), (QStringList{"&File", "&View"}));
     QCOMPARE(textsOf(menus.at(0)->menu()->actions()),
              (QStringList{"&Open camera", "&Close camera", "-", "E&xit"}));
-    QCOMPARE(textsOf(menus.at(1)->menu()->actions()),
-             (QStringList{"Camera list", "Hot pixel list", "Magnifier", "Camera properties", "-", "&Highlight"}));
+    QCOMPARE(
+        textsOf(menus.at(1)->menu()->actions()),
+        (QStringList{"Camera list", "Hot pixel list", "Magnifier", "Camera properties", "-", "&Highlight"}));
 }
 
 void TestMainWindow::toolBarIsInOrder()
@@ -164,9 +164,10 @@ void TestMainWindow::toolBarIsInOrder()
     const auto *bar = bench.window->findChild<QToolBar *>("mainToolBar");
     QCOMPARE(bar->windowTitle(), QString("Toolbar"));
     QCOMPARE(bar->toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
-    QCOMPARE(textsOf(bar->actions()),
-             (QStringList{"&Open camera", "&Close camera", "-", "Hot pixel correction", "Detec&t hot pixel",
-                          "&Write hot pixel", "&Add hot pixel", "&Delete hot pixel", "-", "&Highlight", "1:1"}));
+    QCOMPARE(
+        textsOf(bar->actions()),
+        (QStringList{"&Open camera", "&Close camera", "-", "Hot pixel correction", "Detec&t hot pixel",
+                     "&Write hot pixel", "&Add hot pixel", "&Delete hot pixel", "-", "&Highlight", "1:1"}));
 }
 
 void TestMainWindow::theZoomMenuOpensWithOneClick()
@@ -245,7 +246,8 @@ void TestMainWindow::headersSortTheTables()
     bench.open(bench.bayer);
     QTRY_VERIFY(bench.enabled("closeCameraAction"));
     table->horizontalHeader()->setSortIndicator(3, Qt::DescendingOrder);
-    QCOMPARE(WindowDriver::cell(table, table->selectionModel()->selectedIndexes().first().row(), 3), bench.plain);
+    QCOMPARE(WindowDriver::cell(table, table->selectionModel()->selectedIndexes().first().row(), 3),
+             bench.plain);
     QVERIFY(!bench.enabled("closeCameraAction"));
     QVERIFY(bench.enabled("openCameraAction"));
 }
@@ -253,8 +255,8 @@ void TestMainWindow::headersSortTheTables()
 void TestMainWindow::oneToTwoChecksOnlyItself()
 {
     bench.driver->trigger("zoom1to2Action");
-    for (const char *name : {"zoom1to1Action", "zoom2to1Action", "zoom4to1Action", "zoom1to4Action",
-                             "zoomToFitAction"})
+    for (const char *name :
+         {"zoom1to1Action", "zoom2to1Action", "zoom4to1Action", "zoom1to4Action", "zoomToFitAction"})
         QVERIFY2(!bench.driver->action(name)->isChecked(), name);
     QVERIFY(bench.driver->action("zoom1to2Action")->isChecked());
     QCOMPARE(bench.driver->action("zoomAction")->text(), QString("1:2"));
@@ -378,11 +380,11 @@ void TestMainWindow::everySlotStandsBeingCalledWithoutACamera_data()
 {
     QTest::addColumn<QString>("slot");
     QTest::addColumn<bool>("withCameras");
-    for (const char *slot : {"openCamera", "closeCamera", "updateCameraActions", "onCameraClosed", "addNewBadpixel",
-                             "deleteBadpixel", "clearBadpixel", "detectBadpixel", "onMenuShow", "onCameraReconnect",
-                             "onCameraDisconnect", "onHotpixelCorrection", "onShowHideCameraListDock",
-                             "onShowHideBadpixelListDock", "onShowHideMagnifierDock", "onShowHideCameraSliderDock",
-                             "clearMagnifier"}) {
+    for (const char *slot : {"openCamera", "closeCamera", "updateCameraActions", "onCameraClosed",
+                             "addNewBadpixel", "deleteBadpixel", "clearBadpixel", "detectBadpixel",
+                             "onMenuShow", "onCameraReconnect", "onCameraDisconnect", "onHotpixelCorrection",
+                             "onShowHideCameraListDock", "onShowHideBadpixelListDock",
+                             "onShowHideMagnifierDock", "onShowHideCameraSliderDock", "clearMagnifier"}) {
         QTest::addRow("%s, empty bench", slot) << slot << false;
         if (qstrcmp(slot, "openCamera") != 0)
             QTest::addRow("%s, none open", slot) << slot << true;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Camera properties and magnifier in the real window: ranges, feedback at opening, the parameter file, the focus.
+// Camera properties and magnifier in the real window: ranges, feedback at opening, the parameter file, the
+// focus.
 
 #include "windowfixture.h"
 
@@ -192,15 +193,18 @@ void TestSettings::theFeedbackAtOpeningEndsInTheBusyFlags()
     kelvosim::clearLog();
     bench.driver->trigger("openCameraAction");
     QStringList calls = testcamera::calls();
-    calls.replaceInStrings(QRegularExpression("^(vx_Set(PixelClock|ExposureTime)) (?!3276[89]).*"), "\\1 value");
+    calls.replaceInStrings(QRegularExpression("^(vx_Set(PixelClock|ExposureTime)) (?!3276[89]).*"),
+                           "\\1 value");
     const int first = calls.indexOf("vx_SetPixelClock 32768") + 1;
     const int last = calls.indexOf("vx_SetHardwareGain 32768");
     const QStringList expected{
-        "vx_GetFrameTimeRange", "vx_SetFrameRate", // the frame rate is read and announced
-        "vx_SetFrameRate",                         // its control reports the new minimum
-        "vx_GetExposureRange", "vx_SetExposureTime 32768", "vx_SetExposureTime value", // so the exposure follows
-        "vx_SetExposureTime value",                                                    // and is reported in turn
-        "vx_GetExposureRange", "vx_SetExposureTime 32768", "vx_SetExposureTime value", // the reading goes on
+        "vx_GetFrameTimeRange",     "vx_SetFrameRate", // the frame rate is read and announced
+        "vx_SetFrameRate",                             // its control reports the new minimum
+        "vx_GetExposureRange",      "vx_SetExposureTime 32768",
+        "vx_SetExposureTime value", // so the exposure follows
+        "vx_SetExposureTime value", // and is reported in turn
+        "vx_GetExposureRange",      "vx_SetExposureTime 32768",
+        "vx_SetExposureTime value", // the reading goes on
         "vx_SetExposureTime value"};
     QCOMPARE(calls.mid(first, last - first), expected);
 }
@@ -317,7 +321,8 @@ void TestSettings::aLongerExposureMakesTheImageBrighter()
     const int before = brightness();
     block()->exposure()->spinBox()->setValue(20.0);
     QTRY_VERIFY(kelvosim::exposureTime(Serial) > 18.0);
-    QTRY_VERIFY2(brightness() > before * 3 / 2, qPrintable(QString("%1, was %2").arg(brightness()).arg(before)));
+    QTRY_VERIFY2(brightness() > before * 3 / 2,
+                 qPrintable(QString("%1, was %2").arg(brightness()).arg(before)));
 }
 
 void TestSettings::moreGainMakesTheImageBrighter()
@@ -325,7 +330,8 @@ void TestSettings::moreGainMakesTheImageBrighter()
     openLive();
     const int before = brightness();
     block()->mastergain()->spinBox()->setValue(50);
-    QTRY_VERIFY2(brightness() > before * 3 / 2, qPrintable(QString("%1, was %2").arg(brightness()).arg(before)));
+    QTRY_VERIFY2(brightness() > before * 3 / 2,
+                 qPrintable(QString("%1, was %2").arg(brightness()).arg(before)));
 }
 
 void TestSettings::aLowerFrameRateSlowsTheCamera()
@@ -373,7 +379,8 @@ void TestSettings::theMagnifierShowsTheFramesPixelsAndTheirColour()
     frame[41 * 96 + 40] = 200;
     bench.push(bench.bayer, frame);
     QTRY_VERIFY(!bench.driver->shownImage().isNull());
-    const QPair<QPoint, const char *> pixels[] = {{{40, 41}, "G"}, {{40, 40}, "R"}, {{41, 41}, "B"}, {{41, 40}, "G"}};
+    const QPair<QPoint, const char *> pixels[] = {
+        {{40, 41}, "G"}, {{40, 40}, "R"}, {{41, 41}, "B"}, {{41, 40}, "G"}};
     for (const auto &[pixel, colour] : pixels) {
         bench.moveTo(pixel);
         QVERIFY2(magnifierShows(colour), colour);

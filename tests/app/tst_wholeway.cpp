@@ -73,8 +73,9 @@ void TestWholeWay::init()
     QVERIFY(QDir::setCurrent(folder.path()));
     QFile file("cameraparameter.xml");
     QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("<CameraSettings><Sensor ID=\"101\"><Timing pixelclock=\"40\" framerate=\"60\" exposure=\"16\"/>"
-               "<Gain master=\"50\" red=\"0\" green=\"0\" blue=\"0\"/></Sensor></CameraSettings>");
+    file.write(
+        "<CameraSettings><Sensor ID=\"101\"><Timing pixelclock=\"40\" framerate=\"60\" exposure=\"16\"/>"
+        "<Gain master=\"50\" red=\"0\" green=\"0\" blue=\"0\"/></Sensor></CameraSettings>");
 }
 
 void TestWholeWay::addLiveCamera(kelvosim::SensorKind kind, int width, int height)
@@ -92,7 +93,8 @@ void TestWholeWay::addLiveCamera(kelvosim::SensorKind kind, int width, int heigh
 
 void TestWholeWay::openLive()
 {
-    QVERIFY(WindowDriver::waitFor([this] { return bench.driver->selectCamera(QString::fromStdString(Serial)); }));
+    QVERIFY(
+        WindowDriver::waitFor([this] { return bench.driver->selectCamera(QString::fromStdString(Serial)); }));
     bench.driver->trigger("openCameraAction");
     QVERIFY(waitForFrames(3));
     QTRY_VERIFY(bench.enabled("detectAction"));
@@ -165,7 +167,8 @@ void TestWholeWay::fromTheCameraListToACorrectedImage()
     const int userRow = factory;
     const QPoint entry(bench.cell(userRow, 0).toInt(), bench.cell(userRow, 1).toInt());
     QVERIFY(waitForFrames(3));
-    const QRect circle = QRect(entry - QPoint(4, 4), entry + QPoint(4, 4)).intersected(QRect(0, 0, width, 240));
+    const QRect circle =
+        QRect(entry - QPoint(4, 4), entry + QPoint(4, 4)).intersected(QRect(0, 0, width, 240));
     const auto isCircled = [&] {
         const QImage shown = bench.driver->shownImage();
         int green = 0;

@@ -70,7 +70,10 @@ public:
         return kelvosim::pushFrame(serial.toStdString(), frame);
     }
 
-    static std::vector<std::uint8_t> flatFrame(std::uint8_t grey) { return testcamera::flatFrame(spec(), grey); }
+    static std::vector<std::uint8_t> flatFrame(std::uint8_t grey)
+    {
+        return testcamera::flatFrame(spec(), grey);
+    }
 
     void moveTo(const QPoint &position) { invoke("setMagnifierPosition", Q_ARG(QPoint, position)); }
 
@@ -85,7 +88,10 @@ public:
     }
 
     int rows() const { return driver->badpixelTable()->model()->rowCount(); }
-    QString cell(int row, int column) const { return WindowDriver::cell(driver->badpixelTable(), row, column); }
+    QString cell(int row, int column) const
+    {
+        return WindowDriver::cell(driver->badpixelTable(), row, column);
+    }
     bool enabled(const char *action) const { return driver->action(action)->isEnabled(); }
 
     std::unique_ptr<MainWindow> window;

@@ -25,8 +25,8 @@ QStringList repeated(int times, const QStringList &calls)
 
 QStringList callsOfClosing()
 {
-    return QStringList{"vx_StopLiveVideo", "vx_Event 5", "vx_ClearSequence"} + repeated(3, {"vx_FreeImageMem"}) +
-           QStringList{"vx_ExitCamera"};
+    return QStringList{"vx_StopLiveVideo", "vx_Event 5", "vx_ClearSequence"} +
+           repeated(3, {"vx_FreeImageMem"}) + QStringList{"vx_ExitCamera"};
 }
 
 /// Waits, without turning the event loop, for this number of waits of the open camera's event thread: one
@@ -147,15 +147,31 @@ void TestCamera::openCallsTheLibraryInOrder()
     camera.open(testcamera::Device);
     QStringList calls = testcamera::calls();
     QVERIFY(calls.size() > 30);
-    calls.replaceInStrings(QRegularExpression("^(vx_Set(PixelClock|ExposureTime)) (?!3276[89]).*"), "\\1 value");
-    const QStringList expected =
-        QStringList{"vx_InitCamera", "vx_GetSensorInfo", "vx_SetColorMode 11", "vx_SetColorMode 32768",
-                    "vx_HotPixel 0", "vx_AOI 16", "vx_AOI 1"} +
-        repeated(3, {"vx_AllocImageMem", "vx_AddToSequence"}) + repeated(5, {"vx_Event 1"}) +
-        QStringList{"vx_Event 3", "vx_CaptureVideo", "vx_SetPixelClock 32769", "vx_GetFramesPerSecond",
-                    "vx_SetExposureTime 32769", "vx_GetPixelClockRange", "vx_SetPixelClock value",
-                    "vx_SetPixelClock 32768", "vx_GetFrameTimeRange", "vx_SetFrameRate", "vx_GetExposureRange",
-                    "vx_SetExposureTime 32768", "vx_SetExposureTime value", "vx_SetHardwareGain 32768"};
+    calls.replaceInStrings(QRegularExpression("^(vx_Set(PixelClock|ExposureTime)) (?!3276[89]).*"),
+                           "\\1 value");
+    const QStringList expected = QStringList{"vx_InitCamera",
+                                             "vx_GetSensorInfo",
+                                             "vx_SetColorMode 11",
+                                             "vx_SetColorMode 32768",
+                                             "vx_HotPixel 0",
+                                             "vx_AOI 16",
+                                             "vx_AOI 1"} +
+                                 repeated(3, {"vx_AllocImageMem", "vx_AddToSequence"}) +
+                                 repeated(5, {"vx_Event 1"}) +
+                                 QStringList{"vx_Event 3",
+                                             "vx_CaptureVideo",
+                                             "vx_SetPixelClock 32769",
+                                             "vx_GetFramesPerSecond",
+                                             "vx_SetExposureTime 32769",
+                                             "vx_GetPixelClockRange",
+                                             "vx_SetPixelClock value",
+                                             "vx_SetPixelClock 32768",
+                                             "vx_GetFrameTimeRange",
+                                             "vx_SetFrameRate",
+                                             "vx_GetExposureRange",
+                                             "vx_SetExposureTime 32768",
+                                             "vx_SetExposureTime value",
+                                             "vx_SetHardwareGain 32768"};
     QCOMPARE(calls, expected);
     QCOMPARE(testcamera::firstNumbers(testcamera::callsNamed("vx_CaptureVideo")), std::vector<double>{0});
 }
@@ -245,7 +261,8 @@ void TestCamera::openWhileOpenClosesTheFirst()
     Camera camera;
     camera.open(testcamera::Device);
     QStringList order;
-    connect(&camera, &Camera::newImage, [&](QImage &image) { order << (image.isNull() ? "null image" : "image"); });
+    connect(&camera, &Camera::newImage,
+            [&](QImage &image) { order << (image.isNull() ? "null image" : "image"); });
     connect(&camera, &Camera::cameraClosed, [&] { order << "closed"; });
     connect(&camera, &Camera::cameraOpened, [&] { order << "opened"; });
     kelvosim::clearLog();
@@ -308,7 +325,8 @@ void TestCamera::aFirmwareUploadIsAnnounced_data()
     QTest::addColumn<int>("upload");
     QTest::addColumn<bool>("durationKnown");
     QTest::addColumn<QString>("text");
-    QTest::newRow("duration unknown") << 20 << false << "Upload of new firmware required. (approx. 25 seconds)";
+    QTest::newRow("duration unknown")
+        << 20 << false << "Upload of new firmware required. (approx. 25 seconds)";
     QTest::newRow("short") << 20 << true << "Upload of new firmware required. (approx. 0 seconds)";
     QTest::newRow("truncated") << 1999 << true << "Upload of new firmware required. (approx. 1 seconds)";
 }
@@ -331,14 +349,16 @@ void TestCamera::aFirmwareUploadIsAnnounced()
     QCOMPARE(errors.count(), 1);
     QCOMPARE(errors.first().at(0).toString(), text);
     QCOMPARE(errors.first().at(1).toInt(), 2000);
-    QCOMPARE(testcamera::calls().mid(0, 3), (QStringList{"vx_InitCamera", "vx_GetDuration", "vx_InitCamera"}));
+    QCOMPARE(testcamera::calls().mid(0, 3),
+             (QStringList{"vx_InitCamera", "vx_GetDuration", "vx_InitCamera"}));
     std::vector<std::uint32_t> numbers;
     for (const kelvosim::Call &call : testcamera::callsNamed("vx_InitCamera"))
         numbers.push_back(call.handle);
     const kelvosim::Call duration = testcamera::callsNamed("vx_GetDuration").front();
     QCOMPARE(duration.handle, std::uint32_t(testcamera::Device) | 0x8000u);
     QCOMPARE(duration.numbers, std::vector<double>{1});
-    QCOMPARE(numbers, (std::vector<std::uint32_t>{testcamera::Device | 0x8000, testcamera::Device | 0x18000}));
+    QCOMPARE(numbers,
+             (std::vector<std::uint32_t>{testcamera::Device | 0x8000, testcamera::Device | 0x18000}));
 }
 
 void TestCamera::aFrameIsLockedEmittedAndUnlocked()

@@ -48,8 +48,8 @@ void TestImageSequence::setupAllocatesAndAddsOneBufferAfterTheOther()
 {
     ImageSequence sequence;
     sequence.setup(handle, 2, info);
-    QCOMPARE(testcamera::calls(), (QStringList{"vx_AllocImageMem", "vx_AddToSequence", "vx_AllocImageMem",
-                                               "vx_AddToSequence"}));
+    QCOMPARE(testcamera::calls(),
+             (QStringList{"vx_AllocImageMem", "vx_AddToSequence", "vx_AllocImageMem", "vx_AddToSequence"}));
     QCOMPARE(kelvosim::allocatedBuffers(), 2);
     QCOMPARE(kelvosim::log().front().numbers, (std::vector<double>{64, 48, 8}));
 }
