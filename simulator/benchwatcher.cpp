@@ -14,47 +14,70 @@
 #include <iterator>
 #include <optional>
 #include <thread>
+#include <utility>
 
 namespace kelvosim {
 
 namespace {
 
-constexpr std::chrono::milliseconds LookInterval(200);
+constexpr std::chrono::milliseconds LookInterval(120);
 constexpr std::size_t LargestFile = 1 << 20;
 
-/// The bench file and its last content, used by one thread at a time.
+/// The bench file and its content at the last look, used by one thread at a time.
 class File
 {
 public:
+    using Cameras = std::optional<std::vector<benchfile::Camera>>;
+
     explicit File(std::string benchFile)
         : path(std::move(benchFile))
     {
     }
 
-    /// The cameras when the content is another one than at the last look and can be understood.
-    std::optional<std::vector<benchfile::Camera>> look();
+    /// The cameras as the file says at once.
+    Cameras firstLook();
+
+    /// The cameras when the content is another one than before, can be understood, and was the same at the
+    /// look before: an editor may be found in the middle of its writing.
+    Cameras look();
 
 private:
-    std::optional<std::string> read() const;
+    using Text = std::optional<std::string>;
+
+    Cameras takeUp(const Text &text);
+    Text read() const;
     std::vector<benchfile::Camera> understand(const std::string &text) const;
     void complain(const std::string &what);
 
     std::string path;
-    std::optional<std::string> seen;
+    Text seen;             ///< at the last look
+    Text takenUp;          ///< the last content that was taken up or refused
     std::string complaint; ///< the last one; the same is not told twice in a row
 };
 
-std::optional<std::vector<benchfile::Camera>> File::look()
+File::Cameras File::firstLook()
 {
-    const std::optional<std::string> text = read();
-    if (!text) {
-        complain("cannot be read");
-        seen.reset();
+    seen = read();
+    return takeUp(seen);
+}
+
+File::Cameras File::look()
+{
+    const Text text = read();
+    return std::exchange(seen, text) == text ? takeUp(text) : std::nullopt;
+}
+
+/// An empty file asks for nothing: it is one that somebody is about to write.
+File::Cameras File::takeUp(const Text &text)
+{
+    if (!text || text->empty()) {
+        complain(text ? "is empty" : "cannot be read");
+        takenUp.reset();
         return std::nullopt;
     }
-    if (text == seen)
+    if (text == takenUp)
         return std::nullopt;
-    seen = text;
+    takenUp = text;
     try {
         std::vector<benchfile::Camera> cameras = understand(*text);
         complaint.clear();
@@ -65,12 +88,15 @@ std::optional<std::vector<benchfile::Camera>> File::look()
     }
 }
 
-std::optional<std::string> File::read() const
+/// Looks at the kind of file before it opens it: opening a pipe would wait for its writer.
+File::Text File::read() const
 {
-    std::ifstream in(path, std::ios::binary);
     std::error_code error;
-    if (!in || !std::filesystem::is_regular_file(path, error) ||
+    if (!std::filesystem::is_regular_file(path, error) ||
         std::filesystem::file_size(path, error) > LargestFile)
+        return std::nullopt;
+    std::ifstream in(path, std::ios::binary);
+    if (!in)
         return std::nullopt;
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
@@ -119,7 +145,7 @@ std::vector<benchfile::Camera> BenchWatcher::firstState()
 {
     if (!benchFile())
         return benchfile::parse(DefaultBench);
-    return benchFile()->look().value_or(std::vector<benchfile::Camera>());
+    return benchFile()->firstLook().value_or(std::vector<benchfile::Camera>());
 }
 
 void BenchWatcher::begin()

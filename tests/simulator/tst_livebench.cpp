@@ -93,6 +93,7 @@ private slots:
     void aNewSizeActsAtTheNextOpen();
     void aCameraLeavingTheFileIsUnplugged();
     void aBrokenFileLeavesTheLastGoodState();
+    void aFileThatIsBeingWrittenUnplugsNothing();
     void aFirmwareUploadIsAskedForAgain();
     void replayFoldersAreRelativeToTheFile();
     void nothingIsLogged();
@@ -230,6 +231,21 @@ void TestLiveBench::aBrokenFileLeavesTheLastGoodState()
     QTRY_VERIFY(complaints().contains("my.bench: cannot be read"));
     QCOMPARE(cameraCount(), 2);
     QCOMPARE(complaints().count('\n'), 2);
+}
+
+/// The complaint tells that the library has looked at the empty file twice.
+void TestLiveBench::aFileThatIsBeingWrittenUnplugsNothing()
+{
+    enableEvents(0, {129, 130});
+    writeBench("");
+    QTRY_VERIFY(complaints().contains("my.bench: is empty"));
+    QCOMPARE(cameraCount(), 1);
+    writeBench(Start + "\n[camera C]\nsize = 16 x 16\n");
+    QCOMPARE(waitFor(0, {129, 130}, Patience), 130u);
+    QCOMPARE(cameraCount(), 2);
+    QCOMPARE(waitFor(0, {129}, 0), 0u);
+    std::uint32_t codes[] = {129, 130};
+    vx_Event(0, 2, codes, sizeof codes);
 }
 
 void TestLiveBench::aFirmwareUploadIsAskedForAgain()
