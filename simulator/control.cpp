@@ -86,8 +86,9 @@ bool pushFrame(const std::string &serial, const std::vector<std::uint8_t> &pixel
 
 void failFrames(const std::string &serial, int count)
 {
-    if (const auto camera = library().openCamera(serial))
-        camera->failFrames(count);
+    const auto camera = library().openCamera(serial);
+    if (camera && count > 0)
+        camera->failFrames(static_cast<std::uint64_t>(count));
 }
 
 void overrideFrameRate(const std::string &serial, double framesPerSecond)
@@ -239,7 +240,7 @@ int openHandles()
 
 int allocatedBuffers()
 {
-    int count = 0;
+    int count = library().leftovers().allocated;
     for (const auto &camera : library().openCameras())
         count += camera->allocatedBuffers();
     return count;
@@ -247,7 +248,7 @@ int allocatedBuffers()
 
 int lockedBuffers()
 {
-    int count = 0;
+    int count = library().leftovers().locked;
     for (const auto &camera : library().openCameras())
         count += camera->lockedBuffers();
     return count;

@@ -116,7 +116,7 @@ KELVOSIM_API void lieAboutCounts(std::optional<std::int32_t> count);
 KELVOSIM_API bool pushFrame(const std::string &serial, const std::vector<std::uint8_t> &pixels);
 
 /// Lets `count` captures of an open camera fail: event 8 each, one a frame time, and none before the event of
-/// the failure before was taken by a wait, so that each can be counted.
+/// the failure before was taken by a wait, so that each can be counted. A count below 1 does nothing.
 KELVOSIM_API void failFrames(const std::string &serial, int count);
 
 /// Lets a free-running camera deliver at this rate whatever its settings say; 0: as set.
@@ -219,8 +219,12 @@ KELVOSIM_API void setLogging(bool on);
 // --- what is held
 
 KELVOSIM_API int openHandles();
+
+/// Image memory that is allocated or locked, and that was so when its camera was closed: vx_ExitCamera frees
+/// it, but it counts as forgotten until reset().
 KELVOSIM_API int allocatedBuffers();
 KELVOSIM_API int lockedBuffers();
+
 KELVOSIM_API int enabledEvents();
 KELVOSIM_API int waitingThreads();
 

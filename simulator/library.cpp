@@ -112,8 +112,10 @@ std::uint32_t Library::open(std::uint32_t variable)
 void Library::close(std::uint32_t handle)
 {
     const std::shared_ptr<OpenCamera> closed = camera(handle);
-    closed->close();
+    const Leftovers left = closed->close();
     const Lock lock(mutex);
+    leaked.allocated += left.allocated;
+    leaked.locked += left.locked;
     const auto entry = handles.find(handle);
     if (entry == handles.end())
         return;

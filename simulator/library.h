@@ -76,6 +76,9 @@ public:
     void setFactoryList(const std::string &serial, const std::vector<Pixel> &list);
     void setStorageFolder(const std::string &folder);
 
+    /// What programs have left to vx_ExitCamera since the last reset().
+    Leftovers leftovers() const;
+
     /// The camera on its handle; null when it is not open.
     std::shared_ptr<OpenCamera> openCamera(const std::string &serial) const;
     std::shared_ptr<HotPixelMemory> memory(const std::string &serial) const;
@@ -116,6 +119,7 @@ private:
     std::vector<std::string> listOrder;
     std::int32_t forcedNumber = -1;
     std::int32_t forcedListCount = -1;
+    Leftovers leaked;
     std::uint32_t lastHandle;
     bool started = false;
     bool benchFromFile = false;

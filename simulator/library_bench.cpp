@@ -149,6 +149,12 @@ std::vector<std::shared_ptr<OpenCamera>> Library::openCameras() const
     return cameras;
 }
 
+Leftovers Library::leftovers() const
+{
+    const Lock lock(mutex);
+    return leaked;
+}
+
 bool Library::isBenchFromFile() const
 {
     const Lock lock(mutex);
@@ -257,7 +263,7 @@ void Library::updateFromBench(Device &device, const benchfile::Camera &wanted)
     if (device.open)
         device.open->setLensCap(spec.lensCap);
     if (device.open && wanted.failedFrames > device.failedFrames)
-        device.open->failFrames(static_cast<int>(wanted.failedFrames - device.failedFrames));
+        device.open->failFrames(wanted.failedFrames - device.failedFrames);
     if (wanted.listResets > device.listResets)
         emptyStoredList(device);
     device.failedFrames = wanted.failedFrames;
@@ -280,6 +286,7 @@ void Library::emptyBench()
         listOrder.clear();
         forcedNumber = -1;
         forcedListCount = -1;
+        leaked = Leftovers();
         store.clear();
     }
     for (const auto &entry : closing)

@@ -62,12 +62,12 @@ OpenCamera::~OpenCamera()
     close();
 }
 
-void OpenCamera::close()
+Leftovers OpenCamera::close()
 {
     {
         const std::lock_guard<std::mutex> lock(mutex);
         if (std::exchange(closing, true))
-            return;
+            return {};
         capturing = false;
         changed.notifyAll();
     }
@@ -75,7 +75,9 @@ void OpenCamera::close()
     if (thread.joinable())
         thread.join();
     const std::lock_guard<std::mutex> lock(mutex);
+    const Leftovers left{ring.allocatedCount(), ring.lockedCount()};
     ring.clear();
+    return left;
 }
 
 OpenCamera::Lock OpenCamera::lockOpen() const

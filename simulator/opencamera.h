@@ -40,6 +40,13 @@ struct Area
     std::int32_t height = 0;
 };
 
+/// Image memory that a program left to vx_ExitCamera.
+struct Leftovers
+{
+    int allocated = 0;
+    int locked = 0;
+};
+
 /// Every function may be called from any thread; after close() the ones that a program calls throw Failure.
 class OpenCamera
 {
@@ -54,7 +61,8 @@ public:
     OpenCamera &operator=(const OpenCamera &) = delete;
 
     /// Stops the capture, ends all waits and frees what image memory is left.
-    void close();
+    /// @return what was left; nothing when the camera was closed before
+    Leftovers close();
 
     const CameraSpec &spec() const { return camera; }
     std::shared_ptr<EventSet> events() const { return eventSet; }
@@ -64,7 +72,7 @@ public:
     void setAttached(bool attached);
     void setLensCap(bool on);
     void overrideFrameRate(double framesPerSecond);
-    void failFrames(int count);
+    void failFrames(std::uint64_t count);
     bool pushFrame(const std::vector<std::uint8_t> &pixels);
     std::uint64_t completedFrames() const;
     int allocatedBuffers() const;
@@ -90,6 +98,9 @@ public:
 
     /// Takes one frame; with `wait` returns when it is the last one, else signals its completion.
     void freeze(bool wait);
+
+    /// Frames per second that arrive. The rate that was set until a while of capture has told otherwise; 0
+    /// when none has come for that while, and without a camera.
     double measuredFrameRate() const;
 
     // Settings, in the units of Timing.
@@ -118,6 +129,8 @@ private:
     bool isActive() const;
     std::chrono::nanoseconds framePeriod() const;
     void takeFrame(Lock &lock);
+    void takeShot(Lock &lock);
+    bool takeIntoNext(Lock &lock, bool announced);
     bool failNextFrame();
     bool fill(Lock &lock, const BufferPointer &buffer);
     bool makeFrame(const FrameView &target, const Area &part, const Exposure &settings, bool correcting);
@@ -139,9 +152,10 @@ private:
     Shots shots;
     std::array<std::int32_t, 3> colourGains{{0, 0, 0}};
     std::int32_t masterGain = 0;
-    int failuresToCome = 0;
+    std::uint64_t failuresToCome = 0;
     std::uint64_t frames = 0;
     std::deque<Condition::Clock::time_point> completions; ///< of the last frames
+    Condition::Clock::time_point activeSince;             ///< when the capture began, or its camera came back
     double forcedFrameRate = 0.0;
     bool isAttached = true;
     bool lensCap = false;

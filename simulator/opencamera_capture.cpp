@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace kelvosim {
 
@@ -39,6 +40,7 @@ void OpenCamera::setAttached(bool attached)
             return;
         isAttached = attached;
         completions.clear();
+        activeSince = Condition::Clock::now();
         changed.notifyAll();
     }
     eventSet->raise(attached ? CameraReconnected : CameraRemoved);
@@ -57,7 +59,7 @@ void OpenCamera::overrideFrameRate(double framesPerSecond)
     changed.notifyAll();
 }
 
-void OpenCamera::failFrames(int count)
+void OpenCamera::failFrames(std::uint64_t count)
 {
     const std::lock_guard<std::mutex> lock(mutex);
     failuresToCome += count;
@@ -105,7 +107,8 @@ void OpenCamera::startCapture()
     if (ring.isSequenceEmpty())
         throw Failure(UnknownBuffer, "The sequence has no image memory.");
     startThread();
-    capturing = true;
+    if (!std::exchange(capturing, true))
+        activeSince = Condition::Clock::now();
     changed.notifyAll();
 }
 
@@ -131,23 +134,26 @@ void OpenCamera::freeze(bool wait)
     const std::uint64_t mine = ++shots.wanted;
     changed.notifyAll();
     while (wait && shots.done < mine) {
-        if (closing || !isAttached)
+        if (closing || !isAttached) {
+            shots.done = shots.wanted; // nobody waits for these frames any more
             throw Failure(CameraDetached, "The camera went away.");
+        }
         changed.wait(lock);
     }
     if (wait && !shots.good)
         throw Failure(NoFrame, "No frame could be taken.");
 }
 
-/// The rate that was set as long as there is nothing to measure.
 double OpenCamera::measuredFrameRate() const
 {
     const Lock lock = lockOpen();
+    if (!isAttached)
+        return 0.0;
+    const auto unseen = Condition::Clock::now() - (completions.empty() ? activeSince : completions.back());
+    if (capturing && unseen > StaleAfter && unseen > 3 * framePeriod())
+        return 0.0;
     if (completions.size() < 2)
         return times.frameRate();
-    const auto unseen = Condition::Clock::now() - completions.back();
-    if (unseen > StaleAfter && unseen > 3 * framePeriod())
-        return 0.0;
     const std::chrono::duration<double> span = completions.back() - completions.front();
     return span.count() > 0.0 ? static_cast<double>(completions.size() - 1) / span.count()
                               : times.frameRate();
@@ -193,20 +199,34 @@ std::chrono::nanoseconds OpenCamera::framePeriod() const
 
 void OpenCamera::takeFrame(Lock &lock)
 {
-    const bool shot = shots.done < shots.wanted;
-    if (!shot && (failNextFrame() || !camera.freeRunning))
-        return;
+    if (shots.done < shots.wanted)
+        takeShot(lock);
+    else if (!failNextFrame() && camera.freeRunning)
+        takeIntoNext(lock, true);
+    changed.notifyAll();
+}
+
+/// The one who asked may have given up meanwhile; then a later one's frame is still to be taken.
+void OpenCamera::takeShot(Lock &lock)
+{
+    const std::uint64_t mine = shots.done + 1;
+    const bool good = takeIntoNext(lock, shots.announced);
+    if (shots.done < mine) {
+        shots.done = mine;
+        shots.good = good;
+    }
+}
+
+/// @param announced whether events tell of the frame or its failure
+bool OpenCamera::takeIntoNext(Lock &lock, bool announced)
+{
     const BufferPointer buffer = ring.nextFree();
     const bool good = buffer && fill(lock, buffer);
     if (good)
-        finish(buffer, !shot || shots.announced);
-    else if (!shot)
+        finish(buffer, announced);
+    else if (announced)
         eventSet->raise(FrameFailed);
-    if (shot) {
-        ++shots.done;
-        shots.good = good;
-    }
-    changed.notifyAll();
+    return good;
 }
 
 /// Waits until the failure before was taken notice of, so that each of them can be counted.

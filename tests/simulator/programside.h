@@ -119,6 +119,14 @@ public:
         }
     }
 
+    void freeBuffers()
+    {
+        for (std::size_t i = 0; i < buffers.size(); ++i)
+            require(vx_FreeImageMem(handle, buffers[i], ids[i]), "vx_FreeImageMem");
+        buffers.clear();
+        ids.clear();
+    }
+
     void capture()
     {
         if (buffers.empty())

@@ -4,6 +4,7 @@
 #include "programside.h"
 
 #include <atomic>
+#include <limits>
 #include <set>
 #include <thread>
 
@@ -40,16 +41,24 @@ private slots:
     void clearingTheSequenceLetsNoFrameThrough();
     void stoppingWaitsUntilNothingIsWritten();
     void exitFreesWhatIsLeft();
+    void whatIsLeftToExitCountsUntilReset();
+    void whatIsFreedBeforeExitIsForgotten();
     void freezeTakesOneFrameWithoutAnEvent();
     void freezeWithoutWaitingSignalsItsFrame();
+    void freezeWithoutWaitingSignalsItsFailure();
+    void anInterruptedFreezeLeavesNoFrameToCome();
     void failedFramesAreSignalledOneByOne();
     void failuresReachACameraThatIsFedByHand();
+    void anImpossibleNumberOfFailuresFailsNothing();
+    void theLargestNumbersOfFailuresAddUp();
     void anUnpluggedCameraPausesAndResumes();
     void captureStartsTwiceAndStopsTwice();
     void unknownBuffersAreRefused();
     void aThousandRoundsLeaveNothingBehind();
     void fiveHundredFramesASecondAreReached();
     void theMeasuredRateStartsAtTheSetOne();
+    void theMeasuredRateFallsToNothingWithoutFrames_data();
+    void theMeasuredRateFallsToNothingWithoutFrames();
     void aPartOfTheSensorIsCutOut();
 };
 
@@ -272,9 +281,34 @@ void TestCapture::exitFreesWhatIsLeft()
         vx_LockSeqBuf(camera.handle, 1, nullptr);
     }
     QCOMPARE(kelvosim::openHandles(), 0);
+    QCOMPARE(kelvosim::enabledEvents(), 0);
+}
+
+void TestCapture::whatIsLeftToExitCountsUntilReset()
+{
+    kelvosim::addCamera(smallCamera());
+    for (int round = 1; round <= 2; ++round) {
+        OpenedCamera camera;
+        camera.addBuffers(3);
+        QCOMPARE(vx_FreeImageMem(camera.handle, camera.buffers[0], camera.ids[0]), 0);
+        QCOMPARE(vx_LockSeqBuf(camera.handle, 1, nullptr), 0);
+        QCOMPARE(vx_ExitCamera(camera.handle), 0);
+        QCOMPARE(kelvosim::allocatedBuffers(), 2 * round);
+        QCOMPARE(kelvosim::lockedBuffers(), round);
+    }
+    kelvosim::reset();
     QCOMPARE(kelvosim::allocatedBuffers(), 0);
     QCOMPARE(kelvosim::lockedBuffers(), 0);
-    QCOMPARE(kelvosim::enabledEvents(), 0);
+}
+
+void TestCapture::whatIsFreedBeforeExitIsForgotten()
+{
+    kelvosim::addCamera(smallCamera());
+    OpenedCamera camera;
+    camera.addBuffers(3);
+    camera.freeBuffers();
+    QCOMPARE(vx_ExitCamera(camera.handle), 0);
+    QCOMPARE(kelvosim::allocatedBuffers(), 0);
 }
 
 void TestCapture::freezeTakesOneFrameWithoutAnEvent()
@@ -300,6 +334,39 @@ void TestCapture::freezeWithoutWaitingSignalsItsFrame()
     enableEvents(camera.handle, {2});
     QCOMPARE(vx_FreezeVideo(camera.handle, 0), 0);
     QCOMPARE(waitFor(camera.handle, {2}, Patience), 2u);
+    QCOMPARE(kelvosim::completedFrames(Serial), std::uint64_t(1));
+}
+
+void TestCapture::freezeWithoutWaitingSignalsItsFailure()
+{
+    kelvosim::addCamera(smallCamera(true));
+    OpenedCamera camera;
+    camera.addBuffers(1);
+    QCOMPARE(vx_LockSeqBuf(camera.handle, 1, nullptr), 0);
+    enableEvents(camera.handle, {2, 8});
+    QVERIFY(vx_FreezeVideo(camera.handle, 1) != 0);
+    QCOMPARE(waitFor(camera.handle, {2, 8}, 0), 0u);
+    QCOMPARE(vx_FreezeVideo(camera.handle, 0), 0);
+    QCOMPARE(waitFor(camera.handle, {2, 8}, Patience), 8u);
+}
+
+/// The camera is so slow that it goes away before the frame is due.
+void TestCapture::anInterruptedFreezeLeavesNoFrameToCome()
+{
+    kelvosim::addCamera(smallCamera(true));
+    kelvosim::overrideFrameRate(Serial, 0.01);
+    OpenedCamera camera;
+    camera.addBuffers();
+    kelvosim::clearLog();
+    std::int32_t status = 0;
+    std::thread thread([&] { status = vx_FreezeVideo(camera.handle, 1); });
+    QTRY_COMPARE(kelvosim::log().size(), std::size_t(1));
+    kelvosim::unplug(Serial);
+    thread.join();
+    QVERIFY(status != 0);
+    kelvosim::overrideFrameRate(Serial, 1000);
+    kelvosim::plug(Serial);
+    QCOMPARE(vx_FreezeVideo(camera.handle, 1), 0);
     QCOMPARE(kelvosim::completedFrames(Serial), std::uint64_t(1));
 }
 
@@ -329,6 +396,30 @@ void TestCapture::failuresReachACameraThatIsFedByHand()
     QCOMPARE(kelvosim::completedFrames(Serial), std::uint64_t(0));
 }
 
+void TestCapture::anImpossibleNumberOfFailuresFailsNothing()
+{
+    kelvosim::addCamera(smallCamera(true));
+    kelvosim::overrideFrameRate(Serial, 1000);
+    OpenedCamera camera;
+    camera.capture();
+    for (const int count : {0, -1, std::numeric_limits<int>::min()})
+        kelvosim::failFrames(Serial, count);
+    QTRY_VERIFY(kelvosim::completedFrames(Serial) > 5);
+    QCOMPARE(waitFor(camera.handle, {8}, 0), 0u);
+}
+
+void TestCapture::theLargestNumbersOfFailuresAddUp()
+{
+    kelvosim::addCamera(smallCamera());
+    kelvosim::overrideFrameRate(Serial, 1000);
+    OpenedCamera camera;
+    camera.capture();
+    for (int i = 0; i < 4; ++i)
+        kelvosim::failFrames(Serial, std::numeric_limits<int>::max());
+    for (int i = 0; i < 3; ++i)
+        QCOMPARE(waitFor(camera.handle, {8}, Patience), 8u);
+}
+
 void TestCapture::anUnpluggedCameraPausesAndResumes()
 {
     kelvosim::addCamera(smallCamera(true));
@@ -337,8 +428,9 @@ void TestCapture::anUnpluggedCameraPausesAndResumes()
     QCOMPARE(waitFor(camera.handle, {2}, Patience), 2u);
     kelvosim::unplug(Serial);
     QCOMPARE(waitFor(camera.handle, {128}, Patience), 128u);
-    double rate = 0.0;
+    double rate = 1.0;
     QCOMPARE(vx_GetFramesPerSecond(camera.handle, &rate), 0);
+    QCOMPARE(rate, 0.0);
     QCOMPARE(vx_StopLiveVideo(camera.handle, 1), 0);
     QCOMPARE(vx_CaptureVideo(camera.handle, 0), 0);
     waitFor(camera.handle, {2}, 0);
@@ -389,6 +481,7 @@ void TestCapture::aThousandRoundsLeaveNothingBehind()
     for (int round = 0; round < 1000; ++round) {
         OpenedCamera camera;
         camera.capture();
+        camera.freeBuffers();
     }
     QCOMPARE(kelvosim::openHandles(), 0);
     QCOMPARE(kelvosim::allocatedBuffers(), 0);
@@ -418,6 +511,32 @@ void TestCapture::theMeasuredRateStartsAtTheSetOne()
     double rate = 0.0;
     QCOMPARE(vx_GetFramesPerSecond(camera.handle, &rate), 0);
     QCOMPARE(rate, set);
+}
+
+void TestCapture::theMeasuredRateFallsToNothingWithoutFrames_data()
+{
+    QTest::addColumn<int>("frames");
+    QTest::newRow("never one") << 0;
+    QTest::newRow("one") << 1;
+    QTest::newRow("some") << 5;
+}
+
+void TestCapture::theMeasuredRateFallsToNothingWithoutFrames()
+{
+    QFETCH(int, frames);
+    kelvosim::addCamera(smallCamera());
+    kelvosim::overrideFrameRate(Serial, 1000);
+    OpenedCamera camera;
+    camera.capture();
+    for (int i = 0; i < frames; ++i)
+        kelvosim::pushFrame(Serial, {});
+    const auto rate = [&camera] {
+        double value = -1.0;
+        require(vx_GetFramesPerSecond(camera.handle, &value), "vx_GetFramesPerSecond");
+        return value;
+    };
+    QVERIFY(rate() > 0.0);
+    QTRY_COMPARE(rate(), 0.0);
 }
 
 void TestCapture::aPartOfTheSensorIsCutOut()
