@@ -277,7 +277,7 @@ int32_t vx_HotPixel(uint32_t h, uint32_t command, void *data, uint32_t size)
     const bool takesPath = command == SaveUserListToFile || command == LoadUserListFromFile;
     RecordedCall call("vx_HotPixel", h, command);
     call.number(size).data(data, takesList ? size : 0);
-    if (takesPath && data)
+    if (takesPath && data && size == 0 && call.isLogged())
         call.text(narrowPath(static_cast<const wchar_t *>(data)));
     return call.run([=] { camera(h)->hotPixels().command(command, data, size); });
 }

@@ -16,6 +16,9 @@ class RecordedCall
 public:
     explicit RecordedCall(const char *function, std::uint32_t handle = 0, std::int64_t command = AnyCommand);
 
+    /// Whether descriptions are kept at all; what costs effort is described only then.
+    bool isLogged() const { return logged; }
+
     RecordedCall &number(double value);
     RecordedCall &text(const std::string &text);
 

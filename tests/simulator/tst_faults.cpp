@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <memory>
 #include <thread>
 
 using namespace programside;
@@ -33,6 +34,7 @@ private slots:
     void queryFormsReturnTheStatus();
     void anEmptyTextSilencesGetError();
     void getErrorItselfMayFail();
+    void aPathOfAWrongSizeIsNotRead();
     void theNthCallOfAllFails();
     void exitAndGetErrorAreNeverCounted();
     void aDelayedCallTakesItsTime();
@@ -129,8 +131,23 @@ void TestFaults::getErrorItselfMayFail()
     QCOMPARE(errorText(camera.handle), std::string());
     kelvosim::failGetError(false);
     QCOMPARE(errorText(camera.handle), std::string("The pixel clock is out of range."));
-    kelvosim::failCall("vx_GetError", 1, 5, "");
-    QCOMPARE(errorText(camera.handle), std::string());
+    for (const char *const text : {"", "out of words"}) {
+        kelvosim::failCall("vx_GetError", 1, 5, text);
+        QCOMPARE(errorText(camera.handle), std::string());
+        QCOMPARE(errorText(camera.handle), std::string("The pixel clock is out of range."));
+    }
+}
+
+/// The bytes end without a NUL: an address sanitizer would tell of a step beyond them.
+void TestFaults::aPathOfAWrongSizeIsNotRead()
+{
+    const OpenedCamera camera;
+    const auto path = std::make_unique<wchar_t[]>(2);
+    path[0] = path[1] = L'x';
+    kelvosim::clearLog();
+    for (const std::uint32_t command : {33041u, 33042u})
+        QVERIFY(vx_HotPixel(camera.handle, command, path.get(), 2 * sizeof(wchar_t)) != 0);
+    QCOMPARE(kelvosim::log()[0].arguments, std::to_string(2 * sizeof(wchar_t)));
 }
 
 void TestFaults::theNthCallOfAllFails()
