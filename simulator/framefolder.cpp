@@ -56,7 +56,8 @@ std::vector<std::string> pictureFiles(const std::string &folder)
     for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
          entry.increment(error)) {
         const std::string extension = lowerCaseExtension(entry->path());
-        if (extension == ".pgm" || extension == ".png")
+        std::error_code unknown;
+        if ((extension == ".pgm" || extension == ".png") && entry->is_regular_file(unknown))
             files.push_back(entry->path().string());
     }
     std::sort(files.begin(), files.end());

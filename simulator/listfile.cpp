@@ -117,8 +117,12 @@ std::vector<Pixel> decodeList(const std::vector<std::uint8_t> &bytes)
 std::vector<Pixel> readListFile(const std::string &path)
 {
     std::error_code error;
-    std::ifstream in(path, std::ios::binary);
-    if (!in || !std::filesystem::is_regular_file(path, error))
+    const bool plain =
+        std::filesystem::is_regular_file(path, error); // to open a pipe would wait for its writer
+    std::ifstream in;
+    if (plain)
+        in.open(path, std::ios::binary);
+    if (!in.is_open())
         throw Failure(CannotOpenFile, "Can't open the hot pixel file.");
     require(std::filesystem::file_size(path, error) <= LargestFile);
     return decodeList({std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()});

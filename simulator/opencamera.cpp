@@ -15,7 +15,6 @@ namespace kelvosim {
 
 namespace {
 
-constexpr std::int32_t HighestGain = 100;
 constexpr std::int32_t RawMode = 11;
 
 std::int32_t reportedMode(SensorKind kind)
@@ -33,7 +32,7 @@ std::int32_t reportedMode(SensorKind kind)
 
 bool isGain(std::int32_t gain)
 {
-    return gain == OpenCamera::GainUnchanged || (gain >= 0 && gain <= HighestGain);
+    return gain == OpenCamera::GainUnchanged || (gain >= 0 && gain <= OpenCamera::HighestGain);
 }
 
 void requirePositive(double value)

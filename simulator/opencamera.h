@@ -54,6 +54,7 @@ public:
     static constexpr std::int32_t QueryCurrent = 32768;
     static constexpr std::int32_t QueryDefault = 32769;
     static constexpr std::int32_t GainUnchanged = -1;
+    static constexpr std::int32_t HighestGain = 100;
 
     OpenCamera(const CameraSpec &cameraSpec, std::shared_ptr<HotPixelMemory> memory, const ListLies &lies);
     ~OpenCamera();

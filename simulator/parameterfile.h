@@ -21,6 +21,7 @@ struct Parameters
 
 /// Reads lines "key = value" with the keys pixel clock, frame rate, exposure, gain, red gain, green gain and
 /// blue gain. "#" and ";" begin comments, section headings in brackets are passed over.
+/// Values that no camera could take, and those that mean a query elsewhere, are refused.
 /// @throws Failure CannotOpenFile or DamagedFile
 Parameters readParameterFile(const std::string &path);
 

@@ -7,6 +7,9 @@
 
 #include <cmath>
 #include <limits>
+#include <string>
+
+#include <sys/stat.h>
 
 using namespace programside;
 
@@ -66,7 +69,9 @@ private slots:
     void largeSensorsNeedASlowerPixelClockForOneFrameASecond();
     void aParameterFileIsLoaded();
     void aMissingParameterFileIsReported();
+    void aBrokenParameterFileChangesNothing_data();
     void aBrokenParameterFileChangesNothing();
+    void whatIsNoPlainFileIsNotOpened();
 };
 
 void TestParameters::init()
@@ -220,20 +225,44 @@ void TestParameters::aMissingParameterFileIsReported()
     QCOMPARE(vx_LoadParameters(camera.handle, "./there is no such file.ini"), 50);
 }
 
+void TestParameters::aBrokenParameterFileChangesNothing_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    for (const char *const line :
+         {"gain", "exposure = long", "colour = red", "pixel clock = 32768", "pixel clock = 32769",
+          "pixel clock = 4", "pixel clock = 81", "frame rate = 0", "frame rate = -3", "frame rate = nan",
+          "exposure = 32768", "exposure = 32769", "exposure = -1", "gain = 32768", "gain = -1", "gain = 101",
+          "red gain = 101", "blue gain = -2", "green gain = 1e2"})
+        QTest::newRow(line) << QByteArray(line);
+    QTest::newRow("too long") << QByteArray(2000000, '#');
+}
+
 void TestParameters::aBrokenParameterFileChangesNothing()
 {
+    QFETCH(QByteArray, line);
     const QTemporaryDir folder;
     const OpenedCamera camera;
-    for (const char *const text :
-         {"gain = 5\ngain", "gain = 5\nexposure = long\n", "gain = 5\ncolour = red\n"}) {
-        QFile file(folder.filePath("camera.ini"));
-        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(text);
-        file.close();
-        const std::int32_t status = vx_LoadParameters(camera.handle, file.fileName().toUtf8().constData());
-        QVERIFY(status != 0 && status != 50);
-        QCOMPARE(vx_SetHardwareGain(camera.handle, 32768, -1, -1, -1), 0);
-    }
+    const std::int32_t clock = vx_SetPixelClock(camera.handle, 32768);
+    QFile file(folder.filePath("camera.ini"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("gain = 5\npixel clock = 20\n" + line + "\n");
+    file.close();
+    QCOMPARE(vx_LoadParameters(camera.handle, file.fileName().toUtf8().constData()), 51);
+    QCOMPARE(vx_SetHardwareGain(camera.handle, 32768, -1, -1, -1), 0);
+    QCOMPARE(vx_SetPixelClock(camera.handle, 32768), clock);
+}
+
+/// A pipe that nobody writes to would hold the call up for ever.
+void TestParameters::whatIsNoPlainFileIsNotOpened()
+{
+    const QTemporaryDir folder;
+    const QByteArray pipe = folder.filePath("pipe.ini").toUtf8();
+    QCOMPARE(mkfifo(pipe.constData(), 0600), 0);
+    const OpenedCamera camera;
+    QCOMPARE(vx_LoadParameters(camera.handle, pipe.constData()), 50);
+    QCOMPARE(vx_LoadParameters(camera.handle, folder.path().toUtf8().constData()), 50);
+    std::wstring path = QString::fromUtf8(pipe).toStdWString();
+    QCOMPARE(vx_HotPixel(camera.handle, 33042, &path[0], 0), 50);
 }
 
 QTEST_GUILESS_MAIN(TestParameters)
