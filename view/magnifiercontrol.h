@@ -10,8 +10,9 @@ class QLabel;
 class QLayout;
 class QSlider;
 
-/// A magnifier over its zoom slider and the colour and value of the focus pixel. The mouse wheel turns the
-/// slider from anywhere over the control. GUI thread only.
+/// A magnifier over its zoom slider and the colour and value of the focus pixel. The mouse wheel moves the
+/// slider from anywhere over the control; over the slider itself it does so in the slider's own way. GUI
+/// thread only.
 class MagnifierControl final : public QWidget
 {
     Q_OBJECT
