@@ -80,8 +80,13 @@ std::uint8_t Scene::light(int x, int y, int byte) const
     const int colour = channel(x, y, byte);
     if (colour == Padding)
         return 0;
-    const double gain = kind == SensorKind::Mono ? 1.0 : colourGains[static_cast<std::size_t>(colour)];
-    return toByte(gain * (115.0 + 45.0 * std::sin(2.0 * Pi * x / period + BarPhase[colour])));
+    return toByte(colourGain(colour) * (115.0 + 45.0 * std::sin(2.0 * Pi * x / period + BarPhase[colour])));
+}
+
+/// A monochrome sensor has no colours to amplify.
+double Scene::colourGain(int colour) const
+{
+    return kind == SensorKind::Mono ? 1.0 : colourGains[static_cast<std::size_t>(colour)];
 }
 
 /// The pattern of a raw sensor has red where x and y are even and blue where both are odd; the bytes of a
@@ -109,8 +114,7 @@ void Scene::paintDisc(std::uint8_t *line, int y) const
         for (int byte = 0; byte < bytes; ++byte) {
             const int colour = channel(x, y, byte);
             if (colour != Padding)
-                line[x * bytes + byte] =
-                    toByte(DiscLight[colour] * colourGains[static_cast<std::size_t>(colour)]);
+                line[x * bytes + byte] = toByte(colourGain(colour) * DiscLight[colour]);
         }
     }
 }

@@ -28,6 +28,7 @@ public:
 private:
     void paintBars();
     std::uint8_t light(int x, int y, int byte) const;
+    double colourGain(int colour) const;
     int channel(int x, int y, int byte) const;
     void paintDisc(std::uint8_t *line, int y) const;
 

@@ -86,6 +86,7 @@ private slots:
     void correctionUsesNoListedNeighbours();
     void correctionTakesNeighboursOfTheSameColour();
     void colourGainsTintTheScene();
+    void colourGainsLeaveAMonochromeSceneAlone();
     void largeFramesAreMadeInTime();
 };
 
@@ -383,6 +384,19 @@ void TestSensor::colourGainsTintTheScene()
     vx_SetHardwareGain(camera.handle, -1, 33, 0, 0);
     QVERIFY(sumFrom(0, 0) > 1.4 * red);
     QVERIFY(sumFrom(1, 1) < 1.2 * blue);
+}
+
+void TestSensor::colourGainsLeaveAMonochromeSceneAlone()
+{
+    kelvosim::CameraSpec spec = darkCamera();
+    spec.lensCap = false;
+    spec.hotPixels = 0;
+    kelvosim::addCamera(spec);
+    OpenedCamera camera;
+    QCOMPARE(vx_SetHardwareGain(camera.handle, -1, 100, 100, 100), 0);
+    const std::vector<std::uint8_t> pixels = camera.frame();
+    QVERIFY(brighterThan(pixels, 100) > 0);
+    QCOMPARE(brighterThan(pixels, 200), 0);
 }
 
 void TestSensor::largeFramesAreMadeInTime()
