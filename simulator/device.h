@@ -45,8 +45,8 @@ static_assert(sizeof(ListRecord) == 112, "a record of the camera list has 112 by
 
 ListRecord listRecord(const Device &device);
 
-/// Makes hot pixels and factory list anew from the camera's description, as far as they are not given. A replay has no
-/// planted hot pixels: only a camera with the sensor model is `modelled`.
+/// Makes hot pixels and factory list anew from the camera's description, as far as they are not given. A
+/// replay has no planted hot pixels: only a camera with the sensor model is `modelled`.
 void plant(Device &device, bool modelled);
 
 } // namespace kelvosim
