@@ -45,20 +45,31 @@ function(speckmend_test_environment test)
   set_tests_properties(${test} PROPERTIES ENVIRONMENT "${environment};${ARGN}")
 endfunction()
 
-# speckmend_test_on_x11(test COMMAND program argument...)
-# Runs a program on the real platform plug-in, on a virtual display of its own.
+# speckmend_test_on_x11(test [WINDOW_MANAGER] COMMAND program argument...)
+# Runs a program on the real platform plug-in, on a virtual display of its own; behind a window manager, which
+# frames, places and activates windows as it sees fit, when asked to.
 function(speckmend_test_on_x11 test)
-  cmake_parse_arguments(TEST "" "" "COMMAND" ${ARGN})
+  cmake_parse_arguments(TEST "WINDOW_MANAGER" "" "COMMAND" ${ARGN})
   list(POP_FRONT TEST_COMMAND program)
   find_program(XVFB_RUN xvfb-run)
   if(NOT XVFB_RUN)
     message(WARNING "xvfb-run is missing: ${test} is left out")
     return()
   endif()
+  set(wrapper "")
+  if(TEST_WINDOW_MANAGER)
+    find_program(OPENBOX openbox)
+    if(NOT OPENBOX)
+      message(WARNING "openbox is missing: ${test} is left out")
+      return()
+    endif()
+    set(wrapper "${CMAKE_SOURCE_DIR}/cmake/under-window-manager.sh" "${OPENBOX}")
+  endif()
   if(SPECKMEND_SANITIZE STREQUAL "thread")
     return() # the X server and its client library would be preloaded and watched as well
   endif()
-  add_test(NAME ${test} COMMAND ${XVFB_RUN} -a -s "-screen 0 1600x1000x24" $<TARGET_FILE:${program}> ${TEST_COMMAND})
+  add_test(NAME ${test} COMMAND ${XVFB_RUN} -a -s "-screen 0 1600x1000x24"
+    ${wrapper} $<TARGET_FILE:${program}> ${TEST_COMMAND})
   speckmend_test_environment(${test})
   # The platform plug-in is unloaded before the leak check, so what it leaks has no name that a suppression
   # could give. Leaks of ours show without a display, where the same programs and the same way run.

@@ -9,7 +9,7 @@ project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$project"
 
 build_packages=(g++ cmake ninja-build qtbase5-dev libpng-dev)
-screen_packages=(xvfb xauth x11-utils fonts-dejavu-core)
+screen_packages=(xvfb xauth x11-utils openbox fonts-dejavu-core)
 
 fail() {
     printf '%s: %s\n' "$(basename "$0")" "$*" >&2

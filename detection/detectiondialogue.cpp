@@ -16,8 +16,20 @@ namespace {
 
 constexpr int MinimumWidth = 400;
 
+// Room that is kept for texts to come, so that no button moves under the mouse when they do.
+constexpr int StatusLines = 1;
+constexpr int MessageLines = 2;
+
 const Qt::WindowFlags ReadyFlags = Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint;
 const Qt::WindowFlags CapturingFlags = Qt::Dialog | Qt::WindowTitleHint | Qt::CustomizeWindowHint;
+
+QLabel *createLabel(int lines)
+{
+    auto *label = new QLabel;
+    const QFontMetrics metrics = label->fontMetrics();
+    label->setMinimumHeight(lines * qMax(metrics.height(), metrics.lineSpacing()));
+    return label;
+}
 
 } // namespace
 
@@ -38,10 +50,14 @@ void DetectionDialogue::showError(QString text)
 {
     messageLabel->setText(text);
     countLabel->setText(tr("Hot pixel detected: -"));
+    growForMessage();
 }
 
 void DetectionDialogue::done(int result)
 {
+    // First of all: a receiver of finished() may delete the dialogue, or open it again.
+    if (capturing)
+        finishDetect();
     closed = true;
     QDialog::done(result);
 }
@@ -53,6 +69,7 @@ void DetectionDialogue::updateProgress(int percent)
 
 void DetectionDialogue::finishDetect()
 {
+    capturing = false;
     changeFlags(ReadyFlags);
     enableControls(true);
     statusLabel->clear();
@@ -82,6 +99,7 @@ void DetectionDialogue::showEvent(QShowEvent *event)
 
 void DetectionDialogue::detect()
 {
+    capturing = true;
     focusBeforeRun = focusWidget();
     changeFlags(CapturingFlags);
     enableControls(false);
@@ -111,10 +129,11 @@ QGroupBox *DetectionDialogue::createPreferences()
 
 QGroupBox *DetectionDialogue::createProgress()
 {
-    statusLabel = new QLabel;
+    statusLabel = createLabel(StatusLines);
     progressBar = new QProgressBar;
     countLabel = new QLabel(tr("Hot pixel detected: 0"));
-    messageLabel = new QLabel;
+    messageLabel = createLabel(MessageLines);
+    messageLabel->setWordWrap(true);
     auto *box = new QGroupBox(tr("Detection"));
     auto *layout = new QVBoxLayout(box);
     layout->addWidget(statusLabel);
@@ -131,6 +150,14 @@ QDialogButtonBox *DetectionDialogue::createButtons()
     connect(buttons, &QDialogButtonBox::accepted, this, &DetectionDialogue::detect);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     return buttons;
+}
+
+/// Makes room for a message of more lines than expected: layouts take the smallest window to need one only.
+void DetectionDialogue::growForMessage()
+{
+    // Hidden, the label may have no width of its own yet.
+    const int needed = isVisible() ? messageLabel->heightForWidth(messageLabel->width()) : 0;
+    messageLabel->setMinimumHeight(qMax(messageLabel->minimumHeight(), needed));
 }
 
 void DetectionDialogue::enableControls(bool enable)

@@ -15,8 +15,8 @@ class QLabel;
 class QProgressBar;
 
 /// Stays open and modal through any number of runs until it is closed; Escape and the window manager close
-/// it even while a run is capturing. Its receiver of startDetect() makes the run, reports through the slots
-/// and ends the run on finished(). GUI thread only.
+/// it even while a run is capturing, which leaves it ready for being opened again. Its receiver of
+/// startDetect() makes the run, reports through the slots and ends the run on finished(). GUI thread only.
 class DetectionDialogue final : public QDialog
 {
     Q_OBJECT
@@ -56,6 +56,7 @@ private:
     QGroupBox *createPreferences();
     QGroupBox *createProgress();
     QDialogButtonBox *createButtons();
+    void growForMessage();
     void enableControls(bool enable);
     void changeFlags(Qt::WindowFlags flags);
 
@@ -67,6 +68,7 @@ private:
     QLabel *messageLabel = nullptr;
     QProgressBar *progressBar = nullptr;
     int detectedCount = 0;
+    bool capturing = false;
     bool closed = false;
     QPointer<QWidget> focusBeforeRun;
 };
