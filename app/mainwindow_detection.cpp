@@ -52,7 +52,7 @@ void MainWindow::openDetectDialog()
     dialogue->exec();
     if (!dialogue) // the window went meanwhile, and took it along
         return;
-    dropRun();
+    dropRun(); // also where it was only hidden, which finishes nothing
     delete dialogue;
 }
 
