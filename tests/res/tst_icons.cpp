@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Tests that every icon that the window asks for is there, in the sizes that it needs.
+// Tests that every picture that the program asks for is there, in the sizes that it needs.
 #include <QDir>
 #include <QIcon>
 #include <QImageReader>
@@ -56,6 +56,31 @@ bool isSeenOn(const QColor &background, QImage picture)
     return seen > picture.width() * picture.height() / 10;
 }
 
+bool isSeenOnAnyDesktop(const QImage &picture)
+{
+    return isSeenOn(Qt::white, picture) && isSeenOn(QColor(40, 40, 40), picture);
+}
+
+bool hasDrawing(const QString &name)
+{
+    return QFileInfo::exists(QDir(qgetenv("SPECKMEND_SOURCE_DIR")).filePath("res/" + name + ".svg"));
+}
+
+/// Number of pixels of about this colour.
+int pixelsLike(const QColor &colour, const QImage &picture)
+{
+    int found = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const QColor pixel = picture.pixelColor(x, y);
+            if (pixel.alpha() > 200 && qAbs(pixel.red() - colour.red()) < 8 &&
+                qAbs(pixel.green() - colour.green()) < 8 && qAbs(pixel.blue() - colour.blue()) < 8)
+                ++found;
+        }
+    }
+    return found;
+}
+
 } // namespace
 
 class TestIcons : public QObject
@@ -65,6 +90,8 @@ class TestIcons : public QObject
 private slots:
     void everyIconIsThere_data();
     void everyIconIsThere();
+    void theLogoIsThere();
+    void theLogoShowsOneHotPixelOnASeeThroughGround();
     void theWindowIconHoldsThreeSizes();
 };
 
@@ -82,11 +109,31 @@ void TestIcons::everyIconIsThere()
     const QImage large(":/res/" + name + "@2x.png");
     QCOMPARE(plain.size(), QSize(32, 32));
     QCOMPARE(large.size(), QSize(64, 64));
-    for (const QImage &picture : {plain, large}) {
-        QVERIFY(isSeenOn(Qt::white, picture));
-        QVERIFY(isSeenOn(QColor(40, 40, 40), picture));
-    }
-    QVERIFY(QFileInfo::exists(QDir(qgetenv("SPECKMEND_SOURCE_DIR")).filePath("res/" + name + ".svg")));
+    QVERIFY(isSeenOnAnyDesktop(plain));
+    QVERIFY(isSeenOnAnyDesktop(large));
+    QVERIFY(hasDrawing(name));
+}
+
+void TestIcons::theLogoIsThere()
+{
+    const QImage plain(":/res/about_logo_kelvo.png");
+    const QImage large(":/res/about_logo_kelvo@2x.png");
+    QCOMPARE(plain.size(), QSize(128, 128));
+    QCOMPARE(large.size(), QSize(256, 256));
+    QVERIFY(isSeenOnAnyDesktop(plain));
+    QVERIFY(isSeenOnAnyDesktop(large));
+    QVERIFY(hasDrawing("about_logo_kelvo"));
+}
+
+void TestIcons::theLogoShowsOneHotPixelOnASeeThroughGround()
+{
+    const QColor hot("#f5821f");
+    const QImage plain(":/res/about_logo_kelvo.png");
+    QCOMPARE(plain.pixelColor(0, 0).alpha(), 0);
+    QCOMPARE(plain.pixelColor(127, 127).alpha(), 0);
+    const int element = pixelsLike(hot, plain.copy(70, 46, 12, 12));
+    QVERIFY2(element >= 80, qPrintable(QString::number(element)));
+    QCOMPARE(pixelsLike(hot, plain), element);
 }
 
 void TestIcons::theWindowIconHoldsThreeSizes()
@@ -95,8 +142,7 @@ void TestIcons::theWindowIconHoldsThreeSizes()
     QCOMPARE(sizesIn(path), (QList<QSize>{QSize(16, 16), QSize(32, 32), QSize(48, 48)}));
     const QPixmap pixmap = QIcon(path).pixmap(32, 32);
     QCOMPARE(pixmap.size(), QSize(32, 32));
-    QVERIFY(isSeenOn(Qt::white, pixmap.toImage()));
-    QVERIFY(isSeenOn(QColor(40, 40, 40), pixmap.toImage()));
+    QVERIFY(isSeenOnAnyDesktop(pixmap.toImage()));
 }
 
 QTEST_MAIN(TestIcons)
