@@ -10,6 +10,7 @@
 #include <QIcon>
 #include <QItemSelectionModel>
 #include <QMenu>
+#include <QTimer>
 
 namespace {
 
@@ -44,6 +45,7 @@ void MainWindow::build()
     connectCamera();
     connectLists();
     connectView();
+    readSettings();
     cameraListDock->raise();
     cameraList.updateList();
     setImageVisible(false);
@@ -52,6 +54,7 @@ void MainWindow::build()
 
 MainWindow::~MainWindow()
 {
+    guard([this] { writeSettings(); });
     takeDown();
 }
 
@@ -77,6 +80,8 @@ void MainWindow::connectActions()
 {
     connect(openCameraAction, &QAction::triggered, this, &MainWindow::openCamera);
     connect(closeCameraAction, &QAction::triggered, this, &MainWindow::closeCamera);
+    connect(saveListAction, &QAction::triggered, this, &MainWindow::saveBadpixelList);
+    connect(loadListAction, &QAction::triggered, this, &MainWindow::loadBadpixelList);
     connect(highlightAction, &QAction::toggled, form->display, &DisplayWidget::setHighlight);
     connect(writeListAction, &QAction::triggered, this, &MainWindow::writeBadpixelList);
     connect(addBadpixelAction, &QAction::triggered, this, &MainWindow::addNewBadpixel);
@@ -84,6 +89,8 @@ void MainWindow::connectActions()
     connect(clearBadpixelAction, &QAction::triggered, this, &MainWindow::clearBadpixel);
     connect(detectAction, &QAction::triggered, this, &MainWindow::openDetectDialog);
     connect(zoomMenu, &QMenu::triggered, this, &MainWindow::onZoomChanged);
+    connect(usageAction, &QAction::triggered, this, &MainWindow::openHelpUsageWindow);
+    connect(aboutAction, &QAction::triggered, this, &MainWindow::openHelpAboutWindow);
     connect(correctionAction, &QAction::triggered, this, &MainWindow::onHotpixelCorrection);
 }
 
@@ -129,8 +136,10 @@ void MainWindow::connectView()
     connect(form->display, &DisplayWidget::positionClicked, this, &MainWindow::setMagnifierPosition);
     // The scale arrives truncated to an integer, as the zoom factor is kept.
     connect(form->display, &DisplayWidget::scaleChanged, this, &MainWindow::updateScaleFactor);
+    connect(this, &MainWindow::magnifierPositionChanged, this, &MainWindow::updateStatusPosition);
     connect(this, &MainWindow::magnifierPositionChanged, form->display,
             &DisplayWidget::updateMagnifierPosition);
+    connect(statisticsTimer, &QTimer::timeout, this, &MainWindow::updateStatus);
 }
 
 void MainWindow::changeEvent(QEvent *event)
@@ -138,12 +147,4 @@ void MainWindow::changeEvent(QEvent *event)
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::LanguageChange)
         form->retranslateUi(this);
-}
-
-/// The camera announces a firmware upload and then blocks the window for up to half a minute, so the text is
-/// painted at once; no events are processed here.
-void MainWindow::showText(const QString &text, int msec)
-{
-    form->statusBar->showMessage(text, msec);
-    form->statusBar->repaint();
 }

@@ -6,6 +6,7 @@
 #include "camera.h"
 #include "cameralistmodel.h"
 #include "guard.h"
+#include "pixelclassdelegate.h"
 
 #include <QImage>
 #include <QItemSelection>
@@ -14,6 +15,7 @@
 #include <QTableView>
 #include <QVector>
 
+#include <functional>
 #include <memory>
 
 class DetectionDialogue;
@@ -22,8 +24,10 @@ class ParameterBlockWidget;
 class QAction;
 class QDockWidget;
 class QItemSelectionModel;
+class QLabel;
 class QMenu;
 class QScrollBar;
+class QTimer;
 
 namespace Ui {
 class MainWindow;
@@ -56,14 +60,20 @@ protected slots:
     void openCamera();
     void closeCamera();
     void newImage(QImage &image);
+    void updateStatus();
     void updateCameraActions();
     void onCameraOpened(Camera *openedCamera);
     void onCameraClosed();
     void setSelection(QModelIndex topLeft, QModelIndex bottomRight);
     void updateSelection(QItemSelection selected, QItemSelection deselected);
     void setMagnifierPosition(QPoint position);
+    void updateStatusPosition(QPoint position);
     void updateScaleFactor(int scale);
     void writeBadpixelList();
+    void saveBadpixelList();
+    void loadBadpixelList();
+    void exportBadpixelList();
+    void importBadpixelList();
     void addNewBadpixel();
     void deleteBadpixel();
     void clearBadpixel();
@@ -80,12 +90,15 @@ protected slots:
     void onCameraReconnect();
     void onCameraDisconnect();
     void onHotpixelCorrection();
+    void openHelpUsageWindow();
+    void openHelpAboutWindow();
 
 protected:
     void changeEvent(QEvent *event) override;
 
 private:
     struct Zoom;
+    using FileWork = std::function<void(const QString &file)>;
 
     void build();
     void takeDown();
@@ -96,16 +109,22 @@ private:
     void createCameraActions();
     void createHotpixelActions();
     void createZoomActions();
+    void createHelpActions();
     void createMenus();
     void createToolBar();
+    void createStatusBar();
     void createFileMenu();
     void createViewMenu();
+    void createHelpMenu();
     void connectActions();
     void connectCamera();
     void connectLists();
     void connectView();
+    void readSettings();
+    void writeSettings();
 
     QAction *addNamedAction(const char *name, const QString &text, const QString &icon = QString());
+    QLabel *createStatusLabel(const char *name, int minimumWidth);
     QAction *createZoomAction(const char *name, const QString &text);
     QDockWidget *createDock(const QString &title, const char *name, QWidget *inner, QWidget *parent);
     void connectCameraSliders();
@@ -122,12 +141,18 @@ private:
     // hot pixels and view
     QModelIndex selectedHotpixel() const;
     void clearUserEntries();
+    void changeRowByRow(const std::function<void()> &work);
     void selectEntryAt(const QPoint &position);
     void goToEntry(const QModelIndex &index);
     void enableDeletionOf(const Badpixel &entry);
     void onBadpixelListSorted();
     void scrollToEntry(const Badpixel &entry);
     void scrollInProportion(QScrollBar *bar, int imageExtent, int position) const;
+
+    // files
+    void saveToFile(const QString &title, const QString &filter, const FileWork &work);
+    void readFromFile(const QString &title, const QString &filter, const FileWork &work);
+    void guardFile(const QString &title, const std::function<void()> &work);
 
     // detection
     void captureDarkFrame(const QImage &frame);
@@ -142,14 +167,18 @@ private:
         return guarded(work, [this, msec](const QString &text) { showText(text, msec); });
     }
     void showText(const QString &text, int msec);
+    void resetStatistics();
 
     std::unique_ptr<Ui::MainWindow> form;
     Camera camera;
     CameraListModel cameraList;
     BadpixelListModel badpixelList;
+    PixelclassDelegate classDelegate{nullptr};
 
     QAction *openCameraAction = nullptr;
     QAction *closeCameraAction = nullptr;
+    QAction *saveListAction = nullptr;
+    QAction *loadListAction = nullptr;
     QAction *highlightAction = nullptr;
     QAction *writeListAction = nullptr;
     QAction *correctionAction = nullptr;
@@ -164,12 +193,22 @@ private:
     QAction *zoom1to4Action = nullptr;
     QAction *zoomToFitAction = nullptr;
     QAction *zoomAction = nullptr;
-    QAction *exitAction = nullptr;
+    QAction *usageAction = nullptr;
+    QAction *aboutAction = nullptr;
     QAction *showCameraListAction = nullptr;
     QAction *showBadpixelListAction = nullptr;
     QAction *showMagnifierAction = nullptr;
     QAction *showCameraSliderAction = nullptr;
     QMenu *zoomMenu = nullptr;
+
+    QLabel *userCountLabel = nullptr;
+    QLabel *factoryCountLabel = nullptr;
+    QLabel *xLabel = nullptr;
+    QLabel *yLabel = nullptr;
+    QLabel *framesLabel = nullptr;
+    QLabel *failedLabel = nullptr;
+    QLabel *frameRateLabel = nullptr;
+    QTimer *statisticsTimer = nullptr;
 
     // A dock, and what is in it, may be destroyed before the window is.
     QPointer<QDockWidget> cameraListDock;

@@ -8,6 +8,7 @@
 #include <QAction>
 #include <QDockWidget>
 #include <QMenu>
+#include <QTimer>
 #include <QToolButton>
 
 QAction *MainWindow::addNamedAction(const char *name, const QString &text, const QString &icon)
@@ -25,6 +26,8 @@ void MainWindow::createActions()
     createCameraActions();
     createHotpixelActions();
     createZoomActions();
+    createHelpActions();
+    statisticsTimer = new QTimer(this);
     // The shortcuts must work while the tool bar is hidden.
     addAction(addBadpixelAction);
     addAction(deleteBadpixelAction);
@@ -36,6 +39,9 @@ void MainWindow::createCameraActions()
     openCameraAction->setEnabled(false);
     closeCameraAction = addNamedAction("closeCameraAction", tr("&Close camera"), "camclose.png");
     closeCameraAction->setEnabled(false);
+    // Kept: these two start enabled, and the first change of the camera list corrects them.
+    saveListAction = addNamedAction("saveListAction", tr("&Save hot pixel list"), "writeList.png");
+    loadListAction = addNamedAction("loadListAction", tr("&Load hot pixel list"), "openList.png");
     highlightAction = addNamedAction("highlightAction", tr("&Highlight"), "highlight.png");
     highlightAction->setCheckable(true);
     highlightAction->setChecked(true);
@@ -88,6 +94,12 @@ void MainWindow::createZoomActions()
     zoomAction->setEnabled(false);
 }
 
+void MainWindow::createHelpActions()
+{
+    usageAction = addNamedAction("usageAction", tr("&Usage"), "help.png");
+    aboutAction = addNamedAction("aboutAction", tr("&About..."), "information.png");
+}
+
 void MainWindow::createMenus()
 {
     createCameraListDock();
@@ -96,8 +108,10 @@ void MainWindow::createMenus()
     createCameraSliderDock();
     tabifyDockWidget(cameraListDock, badpixelListDock);
     createToolBar();
+    createStatusBar();
     createFileMenu();
     createViewMenu();
+    createHelpMenu();
 }
 
 void MainWindow::createToolBar()
@@ -116,11 +130,21 @@ void MainWindow::createToolBar()
 
 void MainWindow::createFileMenu()
 {
-    exitAction = addNamedAction("exitAction", tr("E&xit"), "exit.png");
+    QAction *exportAction =
+        addNamedAction("exportListAction", tr("&Export hot pixel list"), "exportList.png");
+    QAction *importAction =
+        addNamedAction("importListAction", tr("&Import hot pixel list"), "importList.png");
+    QAction *exitAction = addNamedAction("exitAction", tr("E&xit"), "exit.png");
+    connect(exportAction, &QAction::triggered, this, &MainWindow::exportBadpixelList);
+    connect(importAction, &QAction::triggered, this, &MainWindow::importBadpixelList);
     connect(exitAction, &QAction::triggered, this, &MainWindow::close);
 
     QMenu *menu = form->menuBar->addMenu(tr("&File"));
     menu->addActions({openCameraAction, closeCameraAction});
+    menu->addSeparator();
+    menu->addActions({saveListAction, loadListAction});
+    menu->addSeparator();
+    menu->addActions({exportAction, importAction});
     menu->addSeparator();
     menu->addAction(exitAction);
 }
@@ -147,6 +171,14 @@ void MainWindow::createViewMenu()
     menu->addActions(toggles);
     menu->addSeparator();
     menu->addAction(highlightAction);
+}
+
+void MainWindow::createHelpMenu()
+{
+    QMenu *menu = form->menuBar->addMenu(tr("&Help"));
+    menu->addAction(usageAction);
+    menu->addSeparator();
+    menu->addAction(aboutAction);
 }
 
 struct MainWindow::Zoom

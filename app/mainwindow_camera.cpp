@@ -9,10 +9,12 @@
 
 #include <QItemSelectionModel>
 #include <QMessageBox>
+#include <QTimer>
 
 namespace {
 
 constexpr int StatusColumn = 4;
+constexpr int StatisticsMilliseconds = 1500;
 
 } // namespace
 
@@ -43,6 +45,7 @@ void MainWindow::openSelectedCamera(const CameraEntry &entry)
     form->display->clear();
     form->display->setHighlight(highlightAction->isChecked());
     setImageVisible(true);
+    statisticsTimer->start(StatisticsMilliseconds);
 }
 
 /// After a failed open there is no camera that could be spoken of: then only the action is disabled.
@@ -66,11 +69,13 @@ void MainWindow::closeCamera()
         abortRun(); // before the camera's last image, which has none, counts as a frame
     camera.close();
     shownMark = 1111.0;
+    statisticsTimer->stop();
     form->display->clear();
     setImageVisible(false);
     if (magnifierControl)
         magnifierControl->magnifier()->clear();
     setMagnifierPosition(QPoint(0, 0));
+    resetStatistics();
 }
 
 void MainWindow::onCameraOpened(Camera *)
@@ -122,8 +127,8 @@ void MainWindow::updateCameraActions()
 {
     const CameraEntry entry = selectedCamera();
     openCameraAction->setEnabled(!entry.inUse && !entry.serialNumber.isEmpty());
-    for (QAction *action :
-         {closeCameraAction, correctionAction, detectAction, addBadpixelAction, writeListAction, zoomAction})
+    for (QAction *action : {closeCameraAction, saveListAction, loadListAction, correctionAction, detectAction,
+                            addBadpixelAction, writeListAction, zoomAction})
         action->setEnabled(entry.opened);
 }
 

@@ -14,6 +14,7 @@
 
 namespace {
 
+constexpr int ClassColumn = 2;
 const Qt::DockWidgetAreas SideAreas = Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea;
 
 } // namespace
@@ -68,6 +69,7 @@ void MainWindow::createBadpixelListDock()
     badpixelTable->setSelectionBehavior(QAbstractItemView::SelectRows);
     badpixelTable->setSelectionMode(QAbstractItemView::SingleSelection);
     badpixelTable->setContextMenuPolicy(Qt::CustomContextMenu);
+    badpixelTable->setItemDelegateForColumn(ClassColumn, &classDelegate);
     badpixelTable->setSelectionModel(badpixelSelection);
     compactRows(badpixelTable);
     badpixelTable->horizontalHeader()->setDefaultSectionSize(40);

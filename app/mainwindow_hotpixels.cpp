@@ -38,9 +38,14 @@ void MainWindow::clearBadpixel()
     guard([this] { clearUserEntries(); });
 }
 
-/// Rows go one by one. Without care the table's row header would move its whole section list for each, and
-/// the table would select the next row each time that the selected one goes.
 void MainWindow::clearUserEntries()
+{
+    changeRowByRow([this] { badpixelList.clearUserBadpixelList(); });
+}
+
+/// User entries go one by one. Without care the table's row header would move its whole section list for
+/// each, and the table would select the next row each time that the selected one goes.
+void MainWindow::changeRowByRow(const std::function<void()> &work)
 {
     const QModelIndex selected = selectedHotpixel();
     if (selected.isValid() && badpixelList.badpixel(selected.row()).pixelclass == User)
@@ -48,9 +53,17 @@ void MainWindow::clearUserEntries()
     QHeaderView *rowHeader = badpixelTable ? badpixelTable->verticalHeader() : nullptr;
     if (rowHeader)
         rowHeader->setModel(nullptr);
-    guard([this] { badpixelList.clearUserBadpixelList(); });
-    if (rowHeader)
-        rowHeader->setModel(&badpixelList);
+    struct Reattach
+    {
+        ~Reattach()
+        {
+            if (header)
+                header->setModel(list);
+        }
+        QPointer<QHeaderView> header;
+        QAbstractItemModel *list;
+    } reattach{rowHeader, &badpixelList};
+    work();
 }
 
 void MainWindow::writeBadpixelList()
