@@ -10,6 +10,8 @@
 #include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -151,6 +153,21 @@ void WindowDriver::answerBox(QMessageBox::StandardButton button, QString *text)
         if (!wanted)
             qFatal("the box '%s' has no such button", qPrintable(box->text()));
         wanted->click();
+    });
+}
+
+void WindowDriver::chooseFile(const QString &path, const std::function<void(const QFileDialog &)> &look)
+{
+    whenModal([path, look](QWidget *modal) {
+        auto *dialogue = qobject_cast<QFileDialog *>(modal);
+        if (!dialogue)
+            qFatal("a %s is open instead of a file dialogue", modal->metaObject()->className());
+        if (look)
+            look(*dialogue);
+        if (path.isEmpty())
+            return dialogue->reject();
+        dialogue->findChild<QLineEdit *>("fileNameEdit")->setText(path);
+        QMetaObject::invokeMethod(dialogue, "accept");
     });
 }
 

@@ -13,6 +13,7 @@ class DisplayWidget;
 class MainWindow;
 class QAbstractItemModel;
 class QAction;
+class QFileDialog;
 class QTableView;
 
 /// Used by the tour and by the whole-window tests. GUI thread only.
@@ -50,6 +51,10 @@ public:
 
     /// Answers the next message box. @param text, when given, receives what the box says
     static void answerBox(QMessageBox::StandardButton button, QString *text = nullptr);
+
+    /// Chooses a file in the next file dialogue, as if its path was typed; an empty one cancels the dialogue.
+    /// @param look, when given, sees the dialogue before it is answered
+    static void chooseFile(const QString &path, const std::function<void(const QFileDialog &)> &look = {});
 
     /// The window with everything that is open above it.
     QPixmap picture() const;

@@ -10,31 +10,41 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QItemSelectionModel>
+#include <QSettings>
 #include <QTableView>
+#include <QTemporaryDir>
 
 #include <memory>
 
 /// One window at a time, on a bench that was just reset.
 class WindowFixture
 {
+    QTemporaryDir settings; // a store of the tests' own; outlives the window, which writes into it
+
 public:
+    WindowFixture() { QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path()); }
+
     /// Serial numbers of the bench's cameras; the first two can store lists, the third cannot.
     const QString mono = "KVMONO";
     const QString bayer = "KVBAYER";
     const QString plain = "KVPLAIN";
 
-    /// An empty bench with the three cameras, whose frames come from pushFrame() alone.
+    /// An empty bench with the three cameras, whose frames come from pushFrame() alone; no settings are
+    /// stored.
     void resetBench()
     {
         window.reset();
+        QSettings("Kelvo", "Kelvo").clear();
         kelvosim::reset();
         addCamera(mono, kelvosim::SensorKind::Mono, true);
         addCamera(bayer, kelvosim::SensorKind::RawBayer, true);
         addCamera(plain, kelvosim::SensorKind::Mono, false);
     }
 
+    /// Ends the window that is there and shows a new one, as a restart does.
     void showWindow()
     {
+        window.reset();
         window = std::make_unique<MainWindow>();
         driver = std::make_unique<WindowDriver>(*window);
         window->show();
