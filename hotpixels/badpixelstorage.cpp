@@ -3,49 +3,14 @@
 #include "badpixelstorage.h"
 
 #include "camera.h"
+#include "listbuffer.h"
 
-#include <algorithm>
-#include <limits>
 #include <stdexcept>
 
 namespace {
 
-// A list as the library exchanges it: the number of entries, then x and y of each.
-using ListBuffer = std::vector<std::uint16_t>;
-
 // Longer lists are taken for a misreading of the camera and skipped.
 constexpr std::int32_t longestListRead = 1000;
-// What the first word of a buffer can say.
-constexpr std::size_t longestListWritten = std::numeric_limits<std::uint16_t>::max();
-
-std::uint32_t bytesIn(const ListBuffer &buffer)
-{
-    return static_cast<std::uint32_t>(buffer.size() * sizeof(ListBuffer::value_type));
-}
-
-ListBuffer bufferFrom(const std::vector<Badpixel> &entries)
-{
-    ListBuffer buffer;
-    buffer.reserve(2 * entries.size() + 1);
-    buffer.push_back(static_cast<std::uint16_t>(entries.size()));
-    for (const Badpixel &entry : entries) {
-        buffer.push_back(entry.x);
-        buffer.push_back(entry.y);
-    }
-    return buffer;
-}
-
-// The first word may promise more pairs than the buffer has room for: only those that are there count.
-std::vector<Badpixel> entriesFrom(const ListBuffer &buffer, Pixelclass kind)
-{
-    const std::size_t count = std::min<std::size_t>(buffer[0], (buffer.size() - 1) / 2);
-    std::vector<Badpixel> entries;
-    entries.reserve(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        entries.push_back({buffer[2 * i + 1], buffer[2 * i + 2], kind});
-    }
-    return entries;
-}
 
 } // namespace
 
@@ -94,7 +59,7 @@ bool BadpixelStorage::deleteUserList() const
 bool BadpixelStorage::sendUserList(const std::vector<Badpixel> &entries) const
 {
     // The first word would wrap, and the camera would store a part of the list as if it were all.
-    if (entries.size() > longestListWritten) {
+    if (entries.size() > longestList) {
         return false;
     }
     ListBuffer buffer = bufferFrom(entries);
