@@ -76,6 +76,24 @@ public slots:
     /// Removes every entry.
     void clearBadpixelList();
 
+    /// Lets the camera library write the User entries into a binary file, in list order. The library's
+    /// current user list is changed for the time and then put back.
+    /// @throws std::runtime_error with the library's code when one of the two could not be done. Whether the
+    /// file itself was written is not told.
+    void saveAsFile(Camera *cam, const QString &filename);
+
+    /// Replaces the User entries by those of a binary file, through the library's current user list.
+    /// @throws std::runtime_error with the library's code; the User entries of before are gone even then
+    void loadFromFile(Camera *cam, const QString &filename);
+
+    /// Writes the User entries into a text file, in list order.
+    /// @throws std::runtime_error when it cannot be opened or written to its end
+    void exportAsFile(const QString &filename);
+
+    /// Replaces the User entries by the entries of a text file, which may have any class and place.
+    /// @throws std::runtime_error when it cannot be read; the User entries of before are gone even then
+    void importFromFile(const QString &filename);
+
     /// Sorts the list itself by x, y or class; equal entries land in any order.
     /// @throws std::runtime_error "Sort Error" for any other column or order
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
@@ -86,6 +104,7 @@ private:
     QModelIndex entryAt(int x, int y) const;
     QModelIndex entryNear(int x, int y, int tolerance) const;
     void appendFromCamera(const std::vector<Badpixel> &list);
+    void append(const std::vector<Badpixel> &list);
     std::vector<Badpixel> userEntries() const;
 
     // Written by the camera library itself, hence of its width and sign.
