@@ -15,10 +15,14 @@
 #include <QDialogButtonBox>
 #include <QDockWidget>
 #include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSettings>
 #include <QTableView>
 
 #include <algorithm>
@@ -65,6 +69,8 @@ Tour::Tour(const QString &pictureFolder)
         throw std::runtime_error("cannot make the folder " + pictureFolder.toStdString());
     setUpBench(storage.path());
     QDir::setCurrent(storage.path());
+    // The window remembers its layout here, not where a person's own is kept.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, storage.path());
     writeParameterFile();
     window = std::make_unique<MainWindow>();
     driver = std::make_unique<WindowDriver>(*window);
@@ -111,8 +117,11 @@ bool Tour::play()
     lookThroughMagnifier();
     addAndDelete();
     writeList();
+    keepInFiles();
     closeAndReopen();
     switchCorrection();
+    loadOnAnotherCamera();
+    readHelp();
     tell(failures ? QString("%1 steps did not show what they should").arg(failures)
                   : "every step showed what it should");
     return failures == 0;
@@ -141,6 +150,11 @@ bool Tour::waitForFrames(int count) const
 {
     const std::uint64_t wanted = kelvosim::completedFrames(Serial) + static_cast<std::uint64_t>(count);
     return WindowDriver::waitFor([=] { return kelvosim::completedFrames(Serial) >= wanted; });
+}
+
+QString Tour::status(const char *label) const
+{
+    return window->findChild<QLabel *>(label)->text();
 }
 
 /// The grey value that the view shows for an image pixel at 1:1.
@@ -313,6 +327,23 @@ void Tour::writeList()
     tell(QString("   the camera holds %1 user entries").arg(kelvosim::storedUserList(Serial).size()));
 }
 
+void Tour::keepInFiles()
+{
+    tell("Keeping the user entries in files.");
+    WindowDriver::chooseFile(storage.filePath("list.bin"));
+    driver->trigger("saveListAction");
+    check(QFileInfo(storage.filePath("list.bin")).size() > 0, "the camera library saved a binary file");
+
+    const std::set<Position> listed = listedPositions(driver->badpixelTable());
+    WindowDriver::chooseFile(storage.filePath("list.txt"),
+                             [this](const QFileDialog &) { takePicture("export"); });
+    driver->trigger("exportListAction");
+    WindowDriver::chooseFile(storage.filePath("list.txt"));
+    driver->trigger("importListAction");
+    check(listedPositions(driver->badpixelTable()) == listed,
+          "what was exported is found again by importing");
+}
+
 void Tour::closeAndReopen()
 {
     tell("Closing the camera and opening it again.");
@@ -350,4 +381,30 @@ void Tour::switchCorrection()
     waitForFrames(4);
     takePicture("corrected");
     driver->trigger("closeCameraAction");
+}
+
+void Tour::loadOnAnotherCamera()
+{
+    tell("Loading the saved entries on another camera.");
+    driver->selectCamera("KV00002592");
+    driver->trigger("openCameraAction");
+    WindowDriver::chooseFile(storage.filePath("list.bin"));
+    driver->trigger("loadListAction");
+    const QString users = QString("U: %1").arg(kelvosim::storedUserList(Serial).size());
+    check(WindowDriver::waitFor([&] { return status("userCountLabel") == users; }),
+          "the status bar counts the entries: " + users);
+    takePicture("loaded");
+    driver->trigger("closeCameraAction");
+}
+
+void Tour::readHelp()
+{
+    tell("Reading usage and about.");
+    for (const char *action : {"usageAction", "aboutAction"}) {
+        WindowDriver::whenModal([=](QWidget *modal) {
+            takePicture(QString(action).remove("Action"));
+            modal->close();
+        });
+        driver->trigger(action);
+    }
 }

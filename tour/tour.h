@@ -37,13 +37,17 @@ private:
     void lookThroughMagnifier();
     void addAndDelete();
     void writeList();
+    void keepInFiles();
     void closeAndReopen();
+    void loadOnAnotherCamera();
     void switchCorrection();
+    void readHelp();
 
     void check(bool holds, const QString &what);
     void tell(const QString &text) const;
     void takePicture(const QString &name);
     bool waitForFrames(int count) const;
+    QString status(const char *label) const;
     int greyAt(const kelvosim::Pixel &pixel) const;
     void pressOnMagnifier(int key) const;
 
