@@ -393,6 +393,7 @@ void Tour::loadOnAnotherCamera()
     const QString users = QString("U: %1").arg(kelvosim::storedUserList(Serial).size());
     check(WindowDriver::waitFor([&] { return status("userCountLabel") == users; }),
           "the status bar counts the entries: " + users);
+    check(WindowDriver::waitFor([this] { return status("framesLabel") != "Frames: 0"; }), "and the frames");
     takePicture("loaded");
     driver->trigger("closeCameraAction");
 }
