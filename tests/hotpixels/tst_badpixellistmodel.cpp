@@ -2,11 +2,11 @@
 // Tests the hot pixel table without a camera: cells, rows, lookup, sorting, announcements.
 #include "badpixellistmodel.h"
 
+#include "announcements.h"
 #include "badpixellistmodelpeer.h"
 #include "modeltext.h"
 
 #include <QAbstractItemModelTester>
-#include <QIdentityProxyModel>
 #include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QtTest>
@@ -47,35 +47,6 @@ QString sortFailure(BadpixelListModel &model, int column, int order)
     return QString();
 }
 
-// "first-last" of each announcement.
-QStringList ranges(const QSignalSpy &spy)
-{
-    QStringList list;
-    for (const QList<QVariant> &arguments : spy) {
-        list << QString("%1-%2").arg(arguments.at(1).toInt()).arg(arguments.at(2).toInt());
-    }
-    return list;
-}
-
-// The model's rows have no children and its root no flags here, as a model tester wants it. The model itself
-// counts its rows for any parent and flags any index.
-class FlatProxy final : public QIdentityProxyModel
-{
-public:
-    int rowCount(const QModelIndex &parent = QModelIndex()) const override
-    {
-        return parent.isValid() ? 0 : QIdentityProxyModel::rowCount(parent);
-    }
-    int columnCount(const QModelIndex &parent = QModelIndex()) const override
-    {
-        return parent.isValid() ? 0 : QIdentityProxyModel::columnCount(parent);
-    }
-    Qt::ItemFlags flags(const QModelIndex &index) const override
-    {
-        return index.isValid() ? QIdentityProxyModel::flags(index) : Qt::ItemFlags();
-    }
-};
-
 } // namespace
 
 class TestBadpixelListModel : public QObject
@@ -83,7 +54,7 @@ class TestBadpixelListModel : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
+    void initTestCase() { registerLayoutTypes(); }
 
     void newModelHasThreeColumnsNoRowsAndZeroCounters();
     void classShowsAsText_data();
@@ -142,12 +113,6 @@ private slots:
 
     void announcementsAreConsistent();
 };
-
-void TestBadpixelListModel::initTestCase()
-{
-    qRegisterMetaType<QList<QPersistentModelIndex>>();
-    qRegisterMetaType<QAbstractItemModel::LayoutChangeHint>();
-}
 
 void TestBadpixelListModel::newModelHasThreeColumnsNoRowsAndZeroCounters()
 {

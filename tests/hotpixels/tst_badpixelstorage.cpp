@@ -2,6 +2,7 @@
 // Tests the exchange of hot pixel lists with a camera's memory, through the list that people see.
 #include "badpixelstorage.h"
 
+#include "announcements.h"
 #include "badpixellistmodelpeer.h"
 #include "camera.h"
 #include "modeltext.h"
@@ -83,15 +84,6 @@ std::vector<std::uint16_t> wordsSent(kelvo::HotpixelCommand command)
         }
     }
     return words;
-}
-
-QStringList ranges(const QSignalSpy &spy)
-{
-    QStringList list;
-    for (const QList<QVariant> &arguments : spy) {
-        list << QString("%1-%2").arg(arguments.at(1).toInt()).arg(arguments.at(2).toInt());
-    }
-    return list;
 }
 
 } // namespace
