@@ -284,7 +284,7 @@ std::string withValue(const std::string &text, const Line &line, const std::stri
 std::string withLine(const std::string &text, const Line &after, const std::string &added)
 {
     const std::string feed = text.find("\r\n") == std::string::npos ? "\n" : "\r\n";
-    const bool endless = after.next == after.at.end;
+    const bool endless = text[after.next - 1] != '\n'; // a carriage return alone ends no line
     return text.substr(0, after.next) + (endless ? feed : "") + added + feed + text.substr(after.next);
 }
 
