@@ -8,7 +8,7 @@ set -euo pipefail
 project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$project"
 
-build_packages=(g++ cmake ninja-build qtbase5-dev libpng-dev)
+build_packages=(g++ cmake ninja-build qtbase5-dev qttools5-dev-tools libpng-dev)
 screen_packages=(xvfb xauth x11-utils openbox fonts-dejavu-core)
 
 fail() {
