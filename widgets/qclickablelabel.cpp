@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+// A label that can look like a link and reports clicks.
+#include "qclickablelabel.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+
+QClickableLabel::HandCursor::HandCursor()
+{
+    QGuiApplication::setOverrideCursor(QCursor(Qt::PointingHandCursor));
+}
+
+QClickableLabel::HandCursor::~HandCursor()
+{
+    QGuiApplication::restoreOverrideCursor();
+}
+
+QClickableLabel::QClickableLabel(QWidget *parent, bool isClickable)
+    : QLabel(parent)
+    , clickable(isClickable)
+{
+    if (clickable)
+        setStyleSheet(QStringLiteral("QLabel { color : blue; text-decoration : underline; }"));
+}
+
+void QClickableLabel::setValue(int number)
+{
+    value = number;
+    setText(QString::number(value, 10));
+}
+
+// Kept: any button counts, and a label that is not clickable reports too. The base class would let the
+// release through to the parent. Whoever is told may delete the label, so nothing may follow.
+void QClickableLabel::mouseReleaseEvent(QMouseEvent *)
+{
+    emit clicked(value);
+}
+
+void QClickableLabel::enterEvent(QEvent *event)
+{
+    if (clickable && !hand)
+        hand = std::make_unique<HandCursor>();
+    QWidget::enterEvent(event);
+}
+
+void QClickableLabel::leaveEvent(QEvent *event)
+{
+    hand.reset();
+    QWidget::leaveEvent(event);
+}
+
+/// A label that goes with its dialogue, closed by a key say, is not told that the mouse has left.
+void QClickableLabel::hideEvent(QHideEvent *event)
+{
+    hand.reset();
+    QLabel::hideEvent(event);
+}
+
+/// Neither is one that is switched off or moved to another parent under the mouse.
+void QClickableLabel::changeEvent(QEvent *event)
+{
+    const bool isSwitchedOff = event->type() == QEvent::EnabledChange && !isEnabled();
+    if (isSwitchedOff || event->type() == QEvent::ParentChange)
+        hand.reset();
+    QLabel::changeEvent(event);
+}

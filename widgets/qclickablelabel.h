@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+// A label that can look like a link and reports clicks.
+#pragma once
+
+#include <QLabel>
+
+#include <memory>
+
+/// Reports every mouse release with its number. A clickable one looks like a link and shows the pointing hand
+/// while the mouse is over it; one that is not reports all the same. GUI thread only.
+class QClickableLabel final : public QLabel
+{
+    Q_OBJECT
+
+public:
+    QClickableLabel(QWidget *parent, bool clickable);
+
+    /// The number to report, which becomes the text too. A text set afterwards stands, and the number stays.
+    void setValue(int value);
+
+signals:
+    void clicked(int value);
+
+protected:
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void enterEvent(QEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    /// One place on the application's stack of override cursors, for as long as it lives.
+    struct HandCursor
+    {
+        HandCursor();
+        ~HandCursor();
+        Q_DISABLE_COPY(HandCursor)
+    };
+
+    int value = 0;
+    bool clickable;
+    // Enters and leaves do not come in pairs: a label can vanish under the mouse, and be entered again behind
+    // a message box. So the label remembers whether it has pushed, and takes back no more and no less.
+    std::unique_ptr<HandCursor> hand;
+};
