@@ -39,7 +39,8 @@ void lookSoon()
     auto *timer = new QTimer(qApp);
     QObject::connect(timer, &QTimer::timeout, [] {
         for (QWidget *top : QApplication::topLevelWidgets()) {
-            if (const auto *window = qobject_cast<MainWindow *>(top)) {
+            const auto *window = qobject_cast<MainWindow *>(top);
+            if (window && window->isVisible()) {
                 look(*window);
                 top->close();
             }
