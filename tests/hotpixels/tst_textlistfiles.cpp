@@ -113,6 +113,7 @@ private slots:
     void importAddsAnEntryOfAnyClass();
     void importOfThreeLinesWithAnEmptyOneAddsThree();
     void importOfTheSameLineTwiceAddsTwo();
+    void importDropsCarriageReturns();
     void importAddsWhatIsListedAlready();
     void importReplacesUserEntriesAndKeepsTheRest();
     void importAppendsBehindSortedRows();
@@ -269,6 +270,13 @@ void TestTextListFiles::importOfTheSameLineTwiceAddsTwo()
 {
     model->importFromFile(fileOf("7 9 1\n7 9 1\n"));
     QCOMPARE(rowTexts(*model), (QStringList{"7 9 user", "7 9 user"}));
+}
+
+// As text mode reads them: wherever they stand.
+void TestTextListFiles::importDropsCarriageReturns()
+{
+    model->importFromFile(fileOf("7 9 1\r\n1 2\r3 1\r\n"));
+    QCOMPARE(rowTexts(*model), (QStringList{"7 9 user", "1 23 user"}));
 }
 
 void TestTextListFiles::importAddsWhatIsListedAlready()
