@@ -3,6 +3,7 @@
 
 #include "calllog.h"
 
+#include <algorithm>
 #include <atomic>
 #include <utility>
 
@@ -52,6 +53,14 @@ std::vector<Call> CallLog::calls() const
 {
     const std::lock_guard<std::mutex> lock(mutex);
     return entries;
+}
+
+int CallLog::count(const std::string &function, std::int64_t command) const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return static_cast<int>(std::count_if(entries.begin(), entries.end(), [&](const Call &call) {
+        return call.function == function && (command == AnyCommand || call.command == command);
+    }));
 }
 
 void CallLog::clear()

@@ -28,6 +28,7 @@ public:
     void end(const Ticket &ticket, std::int32_t result);
 
     std::vector<Call> calls() const;
+    int count(const std::string &function, std::int64_t command) const;
     void clear();
 
 private:

@@ -172,6 +172,16 @@ void failNthCall(std::uint64_t n, bool andAllAfter, std::int32_t status, const s
     library().faults.failNthCall(n, andAllAfter, {status, text});
 }
 
+void failNthCallHere(std::uint64_t n, bool andAllAfter, std::int32_t status, const std::string &text)
+{
+    library().faults.failNthCallOf(CallLog::thisThread(), n, andAllAfter, {status, text});
+}
+
+std::uint64_t failedCalls()
+{
+    return library().faults.failedCount();
+}
+
 void failGetError(bool fails)
 {
     library().errors.setSilent(fails);
@@ -203,9 +213,39 @@ void clearFaults()
     library().errors.setSilent(false);
 }
 
+void overrideResult(const std::string &function, std::int32_t result, std::int64_t command)
+{
+    library().lies.overrideResult(function, command, result);
+}
+
+void overrideNumber(const std::string &function, int index, double value, std::int64_t command)
+{
+    library().lies.overrideNumber(function, command, index, value);
+}
+
+void overridePointer(const std::string &function, char *pointer)
+{
+    library().lies.overridePointer(function, AnyCommand, pointer);
+}
+
+void overrideData(const std::string &function, const std::vector<std::uint8_t> &bytes, std::int64_t command)
+{
+    library().lies.overrideData(function, command, bytes);
+}
+
+void tellTheTruth()
+{
+    library().lies.tellTheTruth();
+}
+
 std::vector<Call> log()
 {
     return library().log.calls();
+}
+
+int callCount(const std::string &function, std::int64_t command)
+{
+    return library().log.count(function, command);
 }
 
 void clearLog()

@@ -3,6 +3,7 @@
 
 #include "faults.h"
 
+#include "calllog.h"
 #include "counted.h"
 
 #include <algorithm>
@@ -22,9 +23,16 @@ void Faults::failCall(const std::string &function, std::int64_t command, int nth
 
 void Faults::failNthCall(std::uint64_t n, bool andAllAfter, const Fault &fault)
 {
+    failNthCallOf(0, n, andAllAfter, fault);
+}
+
+void Faults::failNthCallOf(std::uint64_t thread, std::uint64_t n, bool andAllAfter, const Fault &fault)
+{
     const std::lock_guard<std::mutex> lock(mutex);
     callsToFailure = n;
     failAllAfter = andAllAfter;
+    isFailingAll = false;
+    countedThread = thread;
     numberedFault = fault;
 }
 
@@ -54,6 +62,8 @@ void Faults::clear()
     delays.clear();
     blocks.clear();
     callsToFailure = 0;
+    isFailingAll = false;
+    failed = 0;
     ++clearings;
     changed.notifyAll();
 }
@@ -65,7 +75,14 @@ std::optional<Faults::Fault> Faults::meet(const std::string &function, std::int6
     const std::optional<Fault> own = count(function, command);
     delay(lock, function, command);
     block(lock, function, command);
+    failed += own || any ? 1 : 0;
     return own ? own : any;
+}
+
+std::uint64_t Faults::failedCount() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return failed;
 }
 
 int Faults::blockedCount() const
@@ -90,15 +107,14 @@ std::optional<Faults::Fault> Faults::count(const std::string &function, std::int
 
 std::optional<Faults::Fault> Faults::countAny(const std::string &function)
 {
-    if (callsToFailure == 0 || function == "vx_GetError" || function == "vx_ExitCamera")
+    if (function == "vx_GetError" || function == "vx_ExitCamera")
         return std::nullopt;
-    if (callsToFailure > 1) {
-        --callsToFailure;
-        return std::nullopt;
+    const bool counts = callsToFailure > 0 && (countedThread == 0 || countedThread == CallLog::thisThread());
+    if (counts && --callsToFailure == 0) {
+        isFailingAll = failAllAfter;
+        return numberedFault;
     }
-    if (!failAllAfter)
-        callsToFailure = 0;
-    return numberedFault;
+    return isFailingAll ? std::optional<Fault>(numberedFault) : std::nullopt;
 }
 
 void Faults::delay(std::unique_lock<std::mutex> &lock, const std::string &function, std::int64_t command)

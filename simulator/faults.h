@@ -21,6 +21,9 @@ public:
 
     void failCall(const std::string &function, std::int64_t command, int nth, const Fault &fault);
     void failNthCall(std::uint64_t n, bool andAllAfter, const Fault &fault);
+
+    /// The same, counting the calls of one thread, CallLog::thisThread(), alone.
+    void failNthCallOf(std::uint64_t thread, std::uint64_t n, bool andAllAfter, const Fault &fault);
     void delayCall(const std::string &function, std::int64_t command, int milliseconds);
     void blockCall(const std::string &function, std::int64_t command);
     void releaseCalls();
@@ -31,6 +34,9 @@ public:
     std::optional<Fault> meet(const std::string &function, std::int64_t command);
 
     int blockedCount() const;
+
+    /// Number of calls that faults made fail since the last clear().
+    std::uint64_t failedCount() const;
 
 private:
     /// Which calls are meant: of a function, or of one command of it.
@@ -66,6 +72,9 @@ private:
     std::vector<Target> blocks;
     std::uint64_t callsToFailure = 0; ///< 0: no failure by number
     bool failAllAfter = false;
+    bool isFailingAll = false;       ///< the failure by number was reached, and all after it fail
+    std::uint64_t countedThread = 0; ///< whose calls count for the failure by number; 0: everybody's
+    std::uint64_t failed = 0;
     Fault numberedFault;
     std::uint64_t clearings = 0; ///< a delay ends early when this has changed
     int blocked = 0;

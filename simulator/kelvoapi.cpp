@@ -28,9 +28,17 @@ constexpr std::uint32_t EnableEvents = 3;
 constexpr std::uint32_t SignalEvent = 5;
 constexpr std::uint32_t WaitForEvent = 7;
 
-// Commands of vx_HotPixel that take something in.
+// Commands of vx_HotPixel.
+constexpr std::uint32_t GetSupportedModes = 0x8001;
+constexpr std::uint32_t GetCurrentUserListCount = 0x8101;
+constexpr std::uint32_t GetCurrentUserList = 0x8102;
 constexpr std::uint32_t SetCurrentUserList = 0x8103;
+constexpr std::uint32_t GetFactoryListCount = 0x8107;
+constexpr std::uint32_t GetFactoryList = 0x8108;
+constexpr std::uint32_t GetUserListCount = 0x810A;
+constexpr std::uint32_t GetUserList = 0x810B;
 constexpr std::uint32_t WriteUserList = 0x810C;
+constexpr std::uint32_t GetMaxUserListCount = 0x810D;
 constexpr std::uint32_t SaveUserListToFile = 0x8111;
 constexpr std::uint32_t LoadUserListFromFile = 0x8112;
 
@@ -102,6 +110,17 @@ template<std::size_t length>
 void put(char (&field)[length], const std::string &text)
 {
     std::memcpy(field, text.data(), std::min(length - 1, text.size()));
+}
+
+bool tellsWord(std::uint32_t command)
+{
+    return command == GetSupportedModes || command == GetCurrentUserListCount ||
+           command == GetFactoryListCount || command == GetUserListCount || command == GetMaxUserListCount;
+}
+
+bool fillsList(std::uint32_t command)
+{
+    return command == GetCurrentUserList || command == GetFactoryList || command == GetUserList;
 }
 
 /// What faults and the log call the command of vx_SetExposureTime.
@@ -195,7 +214,9 @@ extern "C" {
 
 int32_t vx_GetNumberOfCameras(int32_t *count)
 {
-    return RecordedCall("vx_GetNumberOfCameras").run([=] { *needed(count) = library().cameraCount(); });
+    return RecordedCall("vx_GetNumberOfCameras").outputs(count).run([=] {
+        *needed(count) = library().cameraCount();
+    });
 }
 
 int32_t vx_GetCameraList(void *list)
@@ -207,7 +228,7 @@ int32_t vx_GetCameraList(void *list)
 
 int32_t vx_InitCamera(uint32_t *handle, void *)
 {
-    return RecordedCall("vx_InitCamera", handle ? *handle : 0).run([=] {
+    return RecordedCall("vx_InitCamera", handle ? *handle : 0).outputs(handle).run([=] {
         *needed(handle) = library().open(*needed(handle));
     });
 }
@@ -219,7 +240,7 @@ int32_t vx_ExitCamera(uint32_t h)
 
 int32_t vx_GetDuration(uint32_t h, uint32_t mode, int32_t *milliseconds)
 {
-    return RecordedCall("vx_GetDuration", h).number(mode).run([=] {
+    return RecordedCall("vx_GetDuration", h).number(mode).outputs(milliseconds).run([=] {
         if (mode != FirmwareUploadDuration)
             throw Failure(InvalidParameter, "The duration mode is unknown.");
         *needed(milliseconds) = library().uploadTime(h);
@@ -228,12 +249,14 @@ int32_t vx_GetDuration(uint32_t h, uint32_t mode, int32_t *milliseconds)
 
 int32_t vx_GetSensorInfo(uint32_t h, void *record)
 {
-    return RecordedCall("vx_GetSensorInfo", h).run([=] { write(sensorInfo(camera(h)->spec()), record); });
+    return RecordedCall("vx_GetSensorInfo", h).recordOutput(record, sizeof(SensorInfo)).run([=] {
+        write(sensorInfo(camera(h)->spec()), record);
+    });
 }
 
 int32_t vx_GetCameraInfo(uint32_t h, void *record)
 {
-    return RecordedCall("vx_GetCameraInfo", h).run([=] {
+    return RecordedCall("vx_GetCameraInfo", h).recordOutput(record, sizeof(CameraInfo)).run([=] {
         CameraInfo info;
         put(info.serial, camera(h)->spec().serial);
         write(info, record);
@@ -243,6 +266,7 @@ int32_t vx_GetCameraInfo(uint32_t h, void *record)
 int32_t vx_GetError(uint32_t h, int32_t *code, char **text)
 {
     RecordedCall call("vx_GetError", h);
+    call.outputs(code).pointerOutput(text);
     return call.run([=]() -> std::int32_t {
         const char *told = nullptr;
         if (!code || !text || !library().errors.tell(h, code, &told))
@@ -268,6 +292,10 @@ int32_t vx_AOI(uint32_t h, uint32_t command, void *data, uint32_t size)
 {
     RecordedCall call("vx_AOI", h, command);
     call.number(size).data(data, command == SetArea ? size : 0);
+    if (command == GetMaximumSize && size == sizeof(Size) && data) {
+        auto *const maximum = static_cast<Size *>(data);
+        call.outputs(&maximum->width, &maximum->height);
+    }
     return call.run([=] { areaCommand(*camera(h), command, data, size); });
 }
 
@@ -277,6 +305,10 @@ int32_t vx_HotPixel(uint32_t h, uint32_t command, void *data, uint32_t size)
     const bool takesPath = command == SaveUserListToFile || command == LoadUserListFromFile;
     RecordedCall call("vx_HotPixel", h, command);
     call.number(size).data(data, takesList ? size : 0);
+    if (tellsWord(command) && size == sizeof(std::uint32_t))
+        call.outputs(static_cast<std::uint32_t *>(data));
+    if (fillsList(command))
+        call.recordOutput(data, size);
     if (takesPath && data && size == 0 && call.isLogged())
         call.text(narrowPath(static_cast<const wchar_t *>(data)));
     return call.run([=] { camera(h)->hotPixels().command(command, data, size); });
@@ -284,15 +316,18 @@ int32_t vx_HotPixel(uint32_t h, uint32_t command, void *data, uint32_t size)
 
 int32_t vx_Event(uint32_t h, uint32_t command, void *data, uint32_t size)
 {
-    return RecordedCall("vx_Event", h, command).number(size).data(data, size).run([=] {
-        eventCommand(*library().events(h), command, data, size);
-    });
+    RecordedCall call("vx_Event", h, command);
+    call.number(size).data(data, size);
+    if (command == WaitForEvent && size == sizeof(WaitRecord) && data)
+        call.outputs(&static_cast<WaitRecord *>(data)->signalled);
+    return call.run([=] { eventCommand(*library().events(h), command, data, size); });
 }
 
 int32_t vx_AllocImageMem(uint32_t h, int32_t width, int32_t height, int32_t bitsPerPixel, char **memory,
                          int32_t *memoryId)
 {
     RecordedCall call("vx_AllocImageMem", h);
+    call.pointerOutput(memory).outputs(memoryId);
     return call.number(width).number(height).number(bitsPerPixel).run([=] {
         needed(memory);
         needed(memoryId);
@@ -323,7 +358,7 @@ int32_t vx_ClearSequence(uint32_t h)
 
 int32_t vx_GetActSeqBuf(uint32_t h, int32_t *number, char **current, char **last)
 {
-    return RecordedCall("vx_GetActSeqBuf", h).run([=] {
+    return RecordedCall("vx_GetActSeqBuf", h).outputs(number).pointerOutput(last).run([=] {
         camera(h)->actualBuffer(number, current, needed(last));
     });
 }
@@ -359,14 +394,14 @@ int32_t vx_FreezeVideo(uint32_t h, int32_t wait)
 
 int32_t vx_GetFramesPerSecond(uint32_t h, double *framesPerSecond)
 {
-    return RecordedCall("vx_GetFramesPerSecond", h).run([=] {
+    return RecordedCall("vx_GetFramesPerSecond", h).outputs(framesPerSecond).run([=] {
         *needed(framesPerSecond) = camera(h)->measuredFrameRate();
     });
 }
 
 int32_t vx_GetPixelClockRange(uint32_t h, int32_t *min, int32_t *max)
 {
-    return RecordedCall("vx_GetPixelClockRange", h).run([=] {
+    return RecordedCall("vx_GetPixelClockRange", h).outputs(min, max).run([=] {
         camera(h);
         *needed(min) = Timing::SlowestPixelClock;
         *needed(max) = Timing::FastestPixelClock;
@@ -380,7 +415,7 @@ int32_t vx_SetPixelClock(uint32_t h, int32_t value)
 
 int32_t vx_GetFrameTimeRange(uint32_t h, double *min, double *max, double *increment)
 {
-    return RecordedCall("vx_GetFrameTimeRange", h).run([=] {
+    return RecordedCall("vx_GetFrameTimeRange", h).outputs(min, max, increment).run([=] {
         const Timing timing = camera(h)->timing();
         *needed(min) = timing.minFrameTime();
         *needed(max) = timing.maxFrameTime();
@@ -390,14 +425,14 @@ int32_t vx_GetFrameTimeRange(uint32_t h, double *min, double *max, double *incre
 
 int32_t vx_SetFrameRate(uint32_t h, double wanted, double *actual)
 {
-    return RecordedCall("vx_SetFrameRate", h).number(wanted).run([=] {
+    return RecordedCall("vx_SetFrameRate", h).number(wanted).outputs(actual).run([=] {
         *needed(actual) = camera(h)->setFrameRate(wanted);
     });
 }
 
 int32_t vx_GetExposureRange(uint32_t h, double *min, double *max, double *increment)
 {
-    return RecordedCall("vx_GetExposureRange", h).run([=] {
+    return RecordedCall("vx_GetExposureRange", h).outputs(min, max, increment).run([=] {
         const Timing timing = camera(h)->timing();
         *needed(min) = timing.minExposure();
         *needed(max) = timing.maxExposure();
@@ -407,7 +442,7 @@ int32_t vx_GetExposureRange(uint32_t h, double *min, double *max, double *increm
 
 int32_t vx_SetExposureTime(uint32_t h, double wanted, double *actual)
 {
-    return RecordedCall("vx_SetExposureTime", h, wholeNumber(wanted)).number(wanted).run([=] {
+    return RecordedCall("vx_SetExposureTime", h, wholeNumber(wanted)).number(wanted).outputs(actual).run([=] {
         *needed(actual) = camera(h)->exposure(wanted);
     });
 }

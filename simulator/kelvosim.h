@@ -170,6 +170,15 @@ KELVOSIM_API void failCall(const std::string &function, int nth, std::int32_t st
 KELVOSIM_API void failNthCall(std::uint64_t n, bool andAllAfter, std::int32_t status,
                               const std::string &text);
 
+/// The same, but the calls of the calling thread alone are counted, so that n names the same call in every
+/// run of a program whose other threads call when they like. With `andAllAfter` every thread's calls fail
+/// from then on, beginning with the next ones: waits under way end as they would.
+KELVOSIM_API void failNthCallHere(std::uint64_t n, bool andAllAfter, std::int32_t status,
+                                  const std::string &text);
+
+/// Number of calls that faults made fail since the last clearFaults().
+KELVOSIM_API std::uint64_t failedCalls();
+
 /// Makes vx_GetError itself fail (true) or tell again (false).
 KELVOSIM_API void failGetError(bool fails);
 
@@ -185,6 +194,33 @@ KELVOSIM_API int blockedCalls();
 
 /// Takes every fault, delay and block back.
 KELVOSIM_API void clearFaults();
+
+// --- lies
+
+// What a call answers although it is nonsense; of vx_GetError too. Lies are told on success and on failure,
+// and a result of 0 turns a failure into a success, so that a call that does nothing can claim to have done
+// its work. The last lie about an output counts.
+
+/// Makes calls of a function, or of one command of it, return this.
+KELVOSIM_API void overrideResult(const std::string &function, std::int32_t result,
+                                 std::int64_t command = AnyCommand);
+
+/// Makes them write this number to their output `index`, from 0 in the order of the arguments, cut to what an
+/// integer can hold. Outputs are those that the arguments point at one by one, width and height of vx_AOI 16,
+/// the word of the hot pixel commands that tell one, and the event that a wait ended with.
+KELVOSIM_API void overrideNumber(const std::string &function, int index, double value,
+                                 std::int64_t command = AnyCommand);
+
+/// Makes vx_AllocImageMem, vx_GetActSeqBuf (the last buffer) or vx_GetError (the text) write this pointer.
+KELVOSIM_API void overridePointer(const std::string &function, char *pointer);
+
+/// Makes them begin the record or list that they fill with these bytes, as many as it has room for: those of
+/// vx_GetSensorInfo and vx_GetCameraInfo, and the lists of vx_HotPixel.
+KELVOSIM_API void overrideData(const std::string &function, const std::vector<std::uint8_t> &bytes,
+                               std::int64_t command = AnyCommand);
+
+/// Takes these lies back; those about the camera list and about counts have ways of their own.
+KELVOSIM_API void tellTheTruth();
 
 // --- the log
 
@@ -206,6 +242,9 @@ struct Call
 /// All calls since the last clearLog(), in the order in which they began.
 KELVOSIM_API std::vector<Call> log();
 KELVOSIM_API void clearLog();
+
+/// Number of calls of a function, or of one command of it, that have begun since the last clearLog().
+KELVOSIM_API int callCount(const std::string &function, std::int64_t command = AnyCommand);
 
 /// "vx_AOI 16", "vx_LockSeqBuf": function and, where it has one, command (in decimal).
 KELVOSIM_API std::string name(const Call &call);

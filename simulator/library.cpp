@@ -64,6 +64,7 @@ void Library::start()
 void Library::reset()
 {
     faults.clear();
+    lies.tellTheTruth();
     emptyBench();
     systemEvents->reset();
     errors.clear();

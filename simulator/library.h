@@ -7,6 +7,7 @@
 #include "device.h"
 #include "errortexts.h"
 #include "faults.h"
+#include "lies.h"
 #include "listlies.h"
 #include "liststore.h"
 
@@ -36,6 +37,7 @@ public:
     CallLog log;
     Faults faults;
     ErrorTexts errors;
+    Lies lies;
     ListLies listLies;
 
     // For programs.

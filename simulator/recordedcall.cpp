@@ -51,6 +51,19 @@ RecordedCall &RecordedCall::data(const void *bytes, std::size_t size)
     return *this;
 }
 
+RecordedCall &RecordedCall::pointerOutput(char **place)
+{
+    pointer = place;
+    return *this;
+}
+
+RecordedCall &RecordedCall::recordOutput(void *place, std::size_t size)
+{
+    record = place;
+    recordSize = size;
+    return *this;
+}
+
 CallLog::Ticket RecordedCall::begin()
 {
     return logged ? Library::instance().log.begin(call) : CallLog::Ticket();
@@ -67,6 +80,17 @@ std::int32_t RecordedCall::fail(std::int32_t status, const std::string &text) co
     if (call.function != "vx_GetError")
         Library::instance().errors.note(call.handle, status, text);
     return status;
+}
+
+/// Lies come last, so that one may hide a failure.
+std::int32_t RecordedCall::answer(std::int32_t truth) const
+{
+    const Lies &lies = Library::instance().lies;
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+        lies.write(call, static_cast<int>(i), numbers[i]);
+    lies.write(call, pointer);
+    lies.write(call, record, recordSize);
+    return lies.result(call).value_or(truth);
 }
 
 } // namespace kelvosim

@@ -25,12 +25,22 @@ public:
     /// Bytes that the program passes in; a null pointer passes none.
     RecordedCall &data(const void *bytes, std::size_t size);
 
-    /// @return what `body` returns, or the status of the fault or failure
+    // Where the call writes its answers, in the order of the arguments; null pointers are no outputs.
+    template<class... Number>
+    RecordedCall &outputs(Number *...places)
+    {
+        (numbers.push_back(places), ...);
+        return *this;
+    }
+    RecordedCall &pointerOutput(char **place);
+    RecordedCall &recordOutput(void *place, std::size_t size);
+
+    /// @return what `body` returns, or the status of the fault or failure, unless the library is to lie
     template<class Body>
     std::int32_t run(Body body)
     {
         const CallLog::Ticket ticket = begin();
-        const std::int32_t result = guarded(body);
+        const std::int32_t result = answer(guarded(body));
         Library::instance().log.end(ticket, result);
         return result;
     }
@@ -39,6 +49,7 @@ private:
     CallLog::Ticket begin();
     std::optional<Faults::Fault> fault() const;
     std::int32_t fail(std::int32_t status, const std::string &text) const;
+    std::int32_t answer(std::int32_t truth) const;
 
     template<class Body>
     std::int32_t guarded(Body &body)
@@ -67,6 +78,10 @@ private:
     }
 
     Call call;
+    std::vector<NumberOutput> numbers;
+    char **pointer = nullptr;
+    void *record = nullptr;
+    std::size_t recordSize = 0;
     bool logged; ///< arguments are kept only when somebody may read them
 };
 
