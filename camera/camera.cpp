@@ -229,6 +229,8 @@ QString Camera::errorText(int code) const
 /// tells whose events are counted.
 void Camera::eventReceived(int event)
 {
+    if (sender() == &deviceEvents)
+        deviceEvents.delivered(event);
     if (sender() == &cameraEvents) {
         cameraEvents.delivered(event);
         if (staleEvents > 0) {

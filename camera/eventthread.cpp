@@ -5,6 +5,17 @@
 
 #include "eventidpool.h"
 
+namespace {
+
+// A library that has no camera any more may fail every wait at once.
+constexpr unsigned long PauseAfterFailure = 10; // milliseconds
+
+// A library that signals without end must not fill the memory, nor keep the receiver from all else.
+constexpr int MostUndelivered = 1000;
+constexpr unsigned long PauseForReceiver = 1; // milliseconds
+
+} // namespace
+
 EventThread::EventThread(QObject *parent)
     : QThread(parent)
     , wakeCode(EventIdPool::take())
@@ -60,11 +71,24 @@ void EventThread::run()
     record.count = static_cast<std::uint32_t>(events.size());
     while (running) {
         const kelvo::Status status = vx_Event(handle, kelvo::EventWait, &record, sizeof record);
-        if (status == kelvo::Success && running && mayTakeOff(record.signalled))
+        if (status != kelvo::Success)
+            msleep(PauseAfterFailure);
+        else if (running && mayTakeOff(record.signalled))
             takeOff(record.signalled);
+        letReceiverCatchUp();
     }
     running = false;
     vx_Event(handle, kelvo::EventDisable, events.data(), events.size() * sizeof(std::uint32_t));
+}
+
+/// After very many undelivered events waits for the delivery of all, so that the receiver's event loop gets
+/// to what else is in its queue.
+void EventThread::letReceiverCatchUp()
+{
+    if (undelivered < MostUndelivered)
+        return;
+    while (running && undelivered > 0)
+        msleep(PauseForReceiver);
 }
 
 void EventThread::holdBack(std::uint32_t event)

@@ -33,12 +33,12 @@ public:
     void stop();
 
     /// From now on at most one undelivered eventhappen(event) is on its way; what is signalled meanwhile
-    /// counts as one further event. The receiver answers each eventhappen() with delivered(). Call it before
-    /// the first start().
+    /// counts as one further event. Call it before the first start().
     void holdBack(std::uint32_t event);
 
-    /// The receiver has got one eventhappen(event). A held-back one follows as soon as the event loop has
-    /// nothing else to do, so that input, timers and other events get their turn between two of them.
+    /// The receiver has got one eventhappen(event), and says so for each: a thousand undelivered ones make
+    /// the thread wait. A held-back one follows as soon as the event loop has nothing else to do, so that
+    /// input, timers and other events get their turn between two of them.
     void delivered(int event);
 
     /// Forgets what is held back. For the time after the thread's end.
@@ -59,6 +59,7 @@ private:
     bool mayTakeOff(std::uint32_t event);
     void takeOff(std::uint32_t event);
     void land();
+    void letReceiverCatchUp();
 
     kelvo::Handle handle = kelvo::NoCamera;
     QVector<std::uint32_t> events; // those asked for, then the wake-up code

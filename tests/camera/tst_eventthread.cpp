@@ -7,6 +7,7 @@
 
 #include <QtTest>
 
+#include <atomic>
 #include <memory>
 #include <stdexcept>
 #include <vector>
@@ -43,6 +44,8 @@ private slots:
     void startReturnsTheStatusWhenEnablingFails();
     void eachSignalledEventIsEmitted();
     void aFailingWaitEmitsNothingAndWaitsAgain();
+    void waitsThatFailForEverDoNotKeepTheProcessorBusy();
+    void eventsWithoutEndNeitherPileUpNorStopTheReceiver();
     void stopOnAThreadThatWasNeverStartedDoesNothing();
     void stopEndsTheWaitAndDisablesTheEvents();
     void destructionEndsTheThread();
@@ -163,6 +166,53 @@ void TestEventThread::aFailingWaitEmitsNothingAndWaitsAgain()
     thread.start(0, {130});
     kelvosim::signalDeviceEvent(130);
     QTRY_COMPARE(receiver.events, QVector<int>{130});
+}
+
+void TestEventThread::waitsThatFailForEverDoNotKeepTheProcessorBusy()
+{
+    kelvosim::failCall("vx_Event", kelvosim::EveryCall, 5, "unplugged", 7);
+    QElapsedTimer timer;
+    timer.start();
+    EventThread thread;
+    thread.start(0, {130});
+    QTRY_VERIFY(kelvosim::callCount("vx_Event", 7) > 20);
+    // A thread that does not pause makes tens of thousands of calls meanwhile.
+    const int waits = kelvosim::callCount("vx_Event", 7);
+    QVERIFY(waits <= 2 + timer.elapsed() / 10);
+    kelvosim::clearFaults();
+    Receiver receiver(&thread);
+    kelvosim::signalDeviceEvent(130);
+    QTRY_COMPARE(receiver.events, QVector<int>{130});
+}
+
+/// A library whose waits return at once, for ever.
+void TestEventThread::eventsWithoutEndNeitherPileUpNorStopTheReceiver()
+{
+    kelvosim::setLogging(false);
+    kelvosim::failCall("vx_Event", kelvosim::EveryCall, 5, "no wait", 7);
+    kelvosim::overrideResult("vx_Event", 0, 7);
+    kelvosim::overrideNumber("vx_Event", 0, 129, 7);
+    EventThread thread;
+    std::atomic<int> emitted{0};
+    int received = 0;
+    connect(
+        &thread, &EventThread::eventhappen, &thread, [&] { ++emitted; }, Qt::DirectConnection);
+    connect(&thread, &EventThread::eventhappen, this, [&](int event) {
+        ++received;
+        thread.delivered(event);
+    });
+    thread.start(0, {129});
+    while (emitted < 1000)
+        QThread::yieldCurrentThread(); // nothing is received meanwhile
+    QCOMPARE(emitted.load(), 1000);
+    QTRY_VERIFY(received >= 10000);
+    // The queue empties again and again, so that timers have their turn.
+    bool timedOut = false;
+    QTimer::singleShot(0, this, [&] { timedOut = true; });
+    QTRY_VERIFY(timedOut);
+    QVERIFY(emitted - received <= 1000);
+    thread.stop();
+    QVERIFY(thread.wait(5000));
 }
 
 void TestEventThread::stopOnAThreadThatWasNeverStartedDoesNothing()
