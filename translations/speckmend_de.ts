@@ -315,7 +315,7 @@ Shortcuts:
 Navigation:
 
 Rechte Maustaste: Ziehen verschiebt das Bild
-Pfeiltasten: Nach einem Klick in die Lupe den Fokus Pixel für Pixel bewegen
+Pfeiltasten: Nach Klick in die Lupe Fokus pixelweise bewegen
 
 Tastenkürzel:
 
