@@ -42,7 +42,7 @@ public:
     QList<int> roles;
 };
 
-/// Puts the delegate's names into other words, of which the last may be left out.
+/// Puts the delegate's names into other words; a name without one stays as it is.
 class Words : public QTranslator
 {
 public:

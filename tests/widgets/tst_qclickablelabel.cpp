@@ -216,7 +216,7 @@ void TestQClickableLabel::drawsBlueUnderlinedText()
 {
     const auto bluePixels = [](bool clickable) {
         QClickableLabel label(nullptr, clickable);
-        label.setText("_______"); // drawn with the underline or alone, it is of one colour
+        label.setText("_______"); // strokes that lie whole on pixels, so that none is blended
         const QImage drawn = label.grab().toImage();
         int blue = 0;
         for (int y = 0; y < drawn.height(); ++y) {
