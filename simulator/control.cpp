@@ -4,6 +4,7 @@
 #include "kelvosim.h"
 
 #include "library.h"
+#include "recordedcall.h"
 
 namespace kelvosim {
 
@@ -18,6 +19,7 @@ Library &library()
 
 void reset()
 {
+    RecordedCall::setVisitor({});
     library().reset();
 }
 
@@ -211,6 +213,11 @@ void clearFaults()
 {
     library().faults.clear();
     library().errors.setSilent(false);
+}
+
+void duringCallsHere(const std::function<void()> &visit)
+{
+    RecordedCall::setVisitor(visit);
 }
 
 void overrideResult(const std::string &function, std::int32_t result, std::int64_t command)

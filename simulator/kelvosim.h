@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -194,6 +195,11 @@ KELVOSIM_API int blockedCalls();
 
 /// Takes every fault, delay and block back.
 KELVOSIM_API void clearFaults();
+
+/// Runs `visit`, which must not throw, inside of every call that the calling thread makes from now on: when
+/// the call has begun, and again before it returns. So a cable can be pulled there. Calls that `visit` makes
+/// itself are not visited. An empty one ends that.
+KELVOSIM_API void duringCallsHere(const std::function<void()> &visit);
 
 // --- lies
 

@@ -4,10 +4,14 @@
 #include "recordedcall.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace kelvosim {
 
 namespace {
+
+thread_local std::function<void()> visitor;
+thread_local bool isVisiting = false;
 
 std::string readable(double value)
 {
@@ -62,6 +66,19 @@ RecordedCall &RecordedCall::recordOutput(void *place, std::size_t size)
     record = place;
     recordSize = size;
     return *this;
+}
+
+void RecordedCall::setVisitor(const std::function<void()> &visit)
+{
+    visitor = visit;
+}
+
+void RecordedCall::callVisitor()
+{
+    if (!visitor || std::exchange(isVisiting, true))
+        return;
+    visitor();
+    isVisiting = false;
 }
 
 CallLog::Ticket RecordedCall::begin()

@@ -5,6 +5,7 @@
 #include "failure.h"
 #include "library.h"
 
+#include <functional>
 #include <type_traits>
 #include <utility>
 
@@ -40,12 +41,19 @@ public:
     std::int32_t run(Body body)
     {
         const CallLog::Ticket ticket = begin();
-        const std::int32_t result = answer(guarded(body));
+        callVisitor();
+        const std::int32_t truth = guarded(body);
+        callVisitor();
+        const std::int32_t result = answer(truth);
         Library::instance().log.end(ticket, result);
         return result;
     }
 
+    /// Who runs inside of the calls of the calling thread; an empty one for nobody.
+    static void setVisitor(const std::function<void()> &visit);
+
 private:
+    static void callVisitor();
     CallLog::Ticket begin();
     std::optional<Faults::Fault> fault() const;
     std::int32_t fail(std::int32_t status, const std::string &text) const;

@@ -40,6 +40,8 @@ private slots:
     void aDelayedCallTakesItsTime();
     void clearingEndsDelays();
     void aBlockedCallWaitsForItsRelease();
+    void aCameraIsUnpluggedInTheMiddleOfACall();
+    void otherThreadsAndTheVisitorsOwnCallsAreNotVisited();
     void callsAreLoggedWithArgumentsAndResults();
     void passedDataIsLogged();
     void callsAreLoggedInTheOrderInWhichTheyBegin();
@@ -208,6 +210,39 @@ void TestFaults::aBlockedCallWaitsForItsRelease()
     thread.join();
     QVERIFY(returned);
     QCOMPARE(countCameras(), 0);
+}
+
+void TestFaults::aCameraIsUnpluggedInTheMiddleOfACall()
+{
+    int visits = 0;
+    kelvosim::duringCallsHere([&] {
+        if (++visits == 1)
+            kelvosim::unplug(smallCamera().serial);
+    });
+    std::int32_t count = 9;
+    QCOMPARE(vx_GetNumberOfCameras(&count), 0);
+    QCOMPARE(count, 0);
+    QCOMPARE(visits, 2);
+    kelvosim::duringCallsHere({});
+    QCOMPARE(countCameras(), 0);
+    QCOMPARE(visits, 2);
+}
+
+void TestFaults::otherThreadsAndTheVisitorsOwnCallsAreNotVisited()
+{
+    int visits = 0;
+    kelvosim::duringCallsHere([&] {
+        ++visits;
+        countCameras();
+    });
+    std::thread thread(countCameras);
+    thread.join();
+    QCOMPARE(visits, 0);
+    countCameras();
+    QCOMPARE(visits, 2);
+    kelvosim::reset();
+    countCameras();
+    QCOMPARE(visits, 2);
 }
 
 void TestFaults::callsAreLoggedWithArgumentsAndResults()
