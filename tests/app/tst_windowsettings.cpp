@@ -384,6 +384,7 @@ void TestWindowSettings::brokenBytesDoNoHarm()
     storeOfAnArrangedWindow();
     const QByteArray geometry = Store().value(GeometryKey).toByteArray();
     const QByteArray state = Store().value(StateKey).toByteArray();
+    QVERIFY(geometry.size() > 20 && state.size() > 100);
     const unsigned seed = 20240607;
     std::mt19937 random(seed);
     const auto change = [&](QByteArray bytes, int at) {
