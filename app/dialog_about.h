@@ -6,6 +6,7 @@
 
 class QLayout;
 
+/// Modal, of fixed size; made anew each time that it is shown.
 class Dialog_About final : public QDialog
 {
     Q_OBJECT

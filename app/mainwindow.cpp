@@ -142,6 +142,7 @@ void MainWindow::connectView()
     connect(statisticsTimer, &QTimer::timeout, this, &MainWindow::updateStatus);
 }
 
+/// Kept: the form's own title, "Speckmend", comes back with it.
 void MainWindow::changeEvent(QEvent *event)
 {
     QMainWindow::changeEvent(event);

@@ -44,9 +44,12 @@ public:
     ~MainWindow() override;
 
 signals:
+    /// A camera was opened (true) or closed (false).
     void cameraOpened(bool opened);
+    /// The focus has moved, or was set to where it is; in image pixels.
     void magnifierPositionChanged(QPoint position);
     void detectionFinished();
+    /// The share of a run's frames that has arrived, 10 to 100.
     void detectionProgress(int percent);
 
 protected slots:

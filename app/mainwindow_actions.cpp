@@ -27,10 +27,10 @@ void MainWindow::createActions()
     createHotpixelActions();
     createZoomActions();
     createHelpActions();
-    statisticsTimer = new QTimer(this);
     // The shortcuts must work while the tool bar is hidden.
     addAction(addBadpixelAction);
     addAction(deleteBadpixelAction);
+    statisticsTimer = new QTimer(this);
 }
 
 void MainWindow::createCameraActions()

@@ -31,6 +31,7 @@ void MainWindow::openCamera()
     if (entry == CameraEntry() || entry.inUse)
         return;
     guard([&] { openSelectedCamera(entry); }, 5000);
+    // Also after a failure: the focus and the action are put back all the same.
     setMagnifierPosition(QPoint(0, 0));
     checkCorrectionSupport();
 }
@@ -60,6 +61,7 @@ void MainWindow::checkCorrectionSupport()
                "the camera memory."));
 }
 
+/// Only the row of the open camera closes it. Nothing in here throws.
 void MainWindow::closeCamera()
 {
     const CameraEntry entry = selectedCamera();
@@ -86,7 +88,8 @@ void MainWindow::onCameraOpened(Camera *)
 void MainWindow::onCameraClosed()
 {
     emit cameraOpened(false);
-    abortRun();
+    if (detecting)
+        abortRun();
 }
 
 /// The camera stays open: it comes back, or the user closes it.

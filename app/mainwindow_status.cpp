@@ -15,6 +15,7 @@ QLabel *MainWindow::createStatusLabel(const char *name, int minimumWidth)
     return label;
 }
 
+/// Kept: made with the position first, shown with the counts first.
 void MainWindow::createStatusBar()
 {
     xLabel = createStatusLabel("xLabel", 44);
@@ -29,6 +30,7 @@ void MainWindow::createStatusBar()
         form->statusBar->addPermanentWidget(label);
 }
 
+/// Kept: these texts are the same in every language.
 void MainWindow::updateStatus()
 {
     guard([this] {

@@ -19,6 +19,7 @@ public:
     void setValue(int value);
 
 signals:
+    /// The mouse was released over the label, whichever button it was; carries the number.
     void clicked(int value);
 
 protected:
@@ -38,7 +39,7 @@ private:
     };
 
     int value = 0;
-    bool clickable;
+    bool clickable = false;
     // Enters and leaves do not come in pairs: a label can vanish under the mouse, and be entered again behind
     // a message box. So the label remembers whether it has pushed, and takes back no more and no less.
     std::unique_ptr<HandCursor> hand;
