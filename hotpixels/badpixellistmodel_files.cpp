@@ -9,6 +9,8 @@
 #include <QFileInfo>
 #include <QTextStream>
 
+#include <sys/stat.h>
+
 #include <stdexcept>
 #include <string>
 
@@ -19,6 +21,13 @@ void require(kelvo::Status status, const char *failure)
     if (status != kelvo::Success) {
         throw std::runtime_error(failure + std::to_string(status) + "\n");
     }
+}
+
+// Opening a pipe to write waits until somebody reads it.
+bool isPipe(const QString &filename)
+{
+    struct stat status;
+    return stat(QFile::encodeName(filename).constData(), &status) == 0 && S_ISFIFO(status.st_mode);
 }
 
 void requireSaved(kelvo::Status status)
@@ -68,7 +77,7 @@ void BadpixelListModel::loadFromFile(Camera *cam, const QString &filename)
 void BadpixelListModel::exportAsFile(const QString &filename)
 {
     QFile file(filename);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
+    if (isPipe(filename) || !file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
         throw std::runtime_error("Can't open file for writing.");
     }
     QTextStream text(&file);
