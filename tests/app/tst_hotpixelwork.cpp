@@ -371,8 +371,9 @@ void TestHotpixelWork::theContextMenuFollowsListAndSelection()
 {
     const auto offered = [this] {
         QStringList texts;
-        QTimer::singleShot(50, [&] {
+        QTimer::singleShot(0, [&] {
             auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            QVERIFY(menu);
             for (const QAction *action : menu->actions())
                 texts << action->text();
             menu->close();

@@ -251,9 +251,10 @@ void TestStatusBar::theFrameRateHasTwoDecimals()
 
 void TestStatusBar::aCameraThatReportsNoFrameRateShowsZeroWithDecimals()
 {
-    kelvosim::failCall("vx_GetFramesPerSecond", kelvosim::EveryCall, 3, "none");
     bench.open(bench.mono);
+    kelvosim::failCall("vx_GetFramesPerSecond", kelvosim::EveryCall, 3, "none");
     bench.invoke("updateStatus");
+    QCOMPARE(kelvosim::openHandles(), 1);
     QCOMPARE(text("frameRateLabel"), QString("FPS: 0.00"));
 }
 
@@ -362,8 +363,6 @@ void TestStatusBar::aFailureAfterOpeningLeavesTheTimerOfTheCameraBeforeRunning()
 void TestStatusBar::aDisconnectLeavesTheTimerRunning()
 {
     bench.open(bench.mono);
-    const QWidget *image = bench.window->findChild<QWidget *>("display");
-    QVERIFY(image);
     kelvosim::unplug("KVMONO");
     QTRY_COMPARE(bench.driver->cameraTable()->model()->rowCount(), 2);
     QVERIFY(statisticsTimer()->isActive());

@@ -119,7 +119,11 @@ void TestWindowFaults::slotsWithArgumentsStandBeingCalledWithoutACamera()
     WindowDriver::whenModal([](QWidget *dialogue) { dialogue->close(); });
     bench.invoke("openDetectDialog");
     for (const char *menu : {"showCameraListContextMenu", "showBadpixelListContextMenu"}) {
-        QTimer::singleShot(50, [] { QApplication::activePopupWidget()->close(); });
+        QTimer::singleShot(0, [] {
+            QWidget *popup = QApplication::activePopupWidget();
+            QVERIFY(popup);
+            popup->close();
+        });
         bench.invoke(menu, Q_ARG(QPoint, QPoint()));
     }
     QVERIFY(testcamera::nothingHeld());
