@@ -91,7 +91,7 @@ void Camera::initCamera(int deviceNumber)
         opened = number | kelvo::FirmwareUploadFlag;
         status = vx_InitCamera(&opened, nullptr); // blocks for the whole upload
     }
-    if (status != kelvo::Success)
+    if (status != kelvo::Success || opened == kelvo::NoCamera)
         throw std::runtime_error("Could not initialize camera.");
     cameraHandle = opened;
     ++openings;
@@ -257,6 +257,7 @@ void Camera::handleEvent(int event)
             emit cameraReconnect();
         break;
     case kelvo::EventCameraRemoved:
+        cameraEvents.abandon(); // a frame from before must not pass for a sign that the camera is back
         if (isOpen())
             emit cameraRemoved();
         break;
@@ -278,7 +279,9 @@ void Camera::receiveFrame()
     try {
         char *last = nullptr;
         throwOnFailure(cameraHandle, vx_GetActSeqBuf(cameraHandle, nullptr, nullptr, &last));
-        if (vx_LockSeqBuf(cameraHandle, kelvo::BufferByPointer, last) != kelvo::Success)
+        // A pointer that is none of ours must not be read, whatever the library says of it.
+        if (!sequence.holds(last) ||
+            vx_LockSeqBuf(cameraHandle, kelvo::BufferByPointer, last) != kelvo::Success)
             return;
         const int opening = openings;
         emitImage(QImage(reinterpret_cast<const uchar *>(last), aoi.width, aoi.height, imageFormat));

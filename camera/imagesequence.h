@@ -35,12 +35,16 @@ public:
     ImageSequence(const ImageSequence &) = delete;
     ImageSequence &operator=(const ImageSequence &) = delete;
 
-    /// Replaces whatever is held by `count` buffers of the given size.
+    /// Replaces whatever is held by `count` (from 1) buffers of the given size. A size of nothing, and one
+    /// that takes more than a gibibyte in all, is not even asked for.
     /// @throws std::runtime_error "Can't allocate image memory." or "Can't add buffer to sequence."
     void setup(kelvo::Handle handle, int count, const ImageInfo &info);
 
     /// Takes all buffers out of the library's sequence and frees them.
     void clear();
+
+    /// Whether this is the memory of one of the buffers.
+    bool holds(const char *memory) const;
 
 private:
     void addBuffer();

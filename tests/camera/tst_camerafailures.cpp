@@ -81,6 +81,9 @@ private slots:
     void refusedSensorsLeaveNoHandleOpen_data();
     void refusedSensorsLeaveNoHandleOpen();
     void aFailedRetryAfterAFirmwareUploadIsReported();
+    void aHandleOfNoCameraIsNoSuccess();
+    void aFrameInForeignMemoryIsDropped_data();
+    void aFrameInForeignMemoryIsDropped();
 };
 
 void TestCameraFailures::eachFailingCallLeavesTheCameraClosed_data()
@@ -266,6 +269,48 @@ void TestCameraFailures::aFailedRetryAfterAFirmwareUploadIsReported()
              QString("Upload of new firmware required. (approx. 25 seconds)"));
     QVERIFY(!camera.isOpen());
     QVERIFY(testcamera::nothingHeld());
+}
+
+void TestCameraFailures::aHandleOfNoCameraIsNoSuccess()
+{
+    kelvosim::overrideNumber("vx_InitCamera", 0, 0);
+    kelvosim::failCall("vx_InitCamera", 1, 1, "");
+    kelvosim::overrideResult("vx_InitCamera", 0);
+    Camera camera;
+    kelvosim::clearLog();
+    QCOMPARE(failureOf(camera), QString("Could not initialize camera."));
+    QVERIFY(!camera.isOpen());
+    QCOMPARE(testcamera::calls(), QStringList{"vx_InitCamera"});
+}
+
+void TestCameraFailures::aFrameInForeignMemoryIsDropped_data()
+{
+    QTest::addColumn<bool>("isNull");
+    QTest::newRow("null") << true;
+    QTest::newRow("foreign") << false;
+}
+
+/// Like a frame that cannot be locked, and before the library is asked to.
+void TestCameraFailures::aFrameInForeignMemoryIsDropped()
+{
+    QFETCH(bool, isNull);
+    char foreign = 0;
+    Camera camera;
+    camera.open(testcamera::Device);
+    kelvosim::overridePointer("vx_GetActSeqBuf", isNull ? nullptr : &foreign);
+    kelvosim::overrideResult("vx_LockSeqBuf", 0);
+    QSignalSpy images(&camera, &Camera::newImage);
+    QSignalSpy errors(&camera, &Camera::displayError);
+    kelvosim::clearLog();
+    QVERIFY(kelvosim::pushFrame(testcamera::Serial, {}));
+    QTRY_COMPARE(camera.frameCount(), 1);
+    QCOMPARE(testcamera::calls(), QStringList{"vx_GetActSeqBuf"});
+    QCOMPARE(images.count(), 0);
+    QCOMPARE(errors.count(), 0);
+
+    kelvosim::tellTheTruth();
+    QVERIFY(kelvosim::pushFrame(testcamera::Serial, {}));
+    QTRY_COMPARE(images.count(), 1);
 }
 
 QTEST_GUILESS_MAIN(TestCameraFailures)

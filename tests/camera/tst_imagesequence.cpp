@@ -23,6 +23,10 @@ private slots:
     void destructionClears();
     void aFailingAllocationIsReported();
     void aBufferThatCannotJoinIsFreed();
+    void impossibleSizesAreNotAskedFor_data();
+    void impossibleSizesAreNotAskedFor();
+    void memoryNowhereCountsAsNone();
+    void onlyItsOwnMemoryIsHeld();
     void imageInfoIsZeroByDefault();
 
 private:
@@ -114,6 +118,72 @@ void TestImageSequence::aBufferThatCannotJoinIsFreed()
         QCOMPARE(failure.what(), "Can't add buffer to sequence.");
     }
     QCOMPARE(testcamera::calls(), (QStringList{"vx_AllocImageMem", "vx_AddToSequence", "vx_FreeImageMem"}));
+}
+
+void TestImageSequence::impossibleSizesAreNotAskedFor_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("height");
+    QTest::addColumn<int>("bits");
+    QTest::newRow("nothing") << 0 << 0 << 8;
+    QTest::newRow("no column") << 0 << 48 << 8;
+    QTest::newRow("no row") << 64 << 0 << 8;
+    QTest::newRow("negative") << -64 << -48 << 8;
+    QTest::newRow("negative height") << 64 << -1 << 8;
+    QTest::newRow("largest") << INT_MAX << INT_MAX << 32;
+    QTest::newRow("smallest") << INT_MIN << INT_MIN << 32;
+    QTest::newRow("one row") << INT_MAX << 1 << 8;
+    QTest::newRow("one column, padded") << 1 << 89478486 << 8;
+    QTest::newRow("a gibibyte and a bit") << 16384 << 21846 << 8;
+    QTest::newRow("a gibibyte and a bit of colour") << 16384 << 5462 << 32;
+}
+
+void TestImageSequence::impossibleSizesAreNotAskedFor()
+{
+    QFETCH(int, width);
+    QFETCH(int, height);
+    QFETCH(int, bits);
+    ImageSequence sequence;
+    try {
+        sequence.setup(handle, 3,
+                       ImageInfo(std::uint32_t(width), std::uint32_t(height), std::uint32_t(bits)));
+        QFAIL("there cannot be such memory");
+    } catch (const std::runtime_error &failure) {
+        QCOMPARE(failure.what(), "Can't allocate image memory.");
+    }
+    QVERIFY(testcamera::calls().isEmpty());
+}
+
+void TestImageSequence::memoryNowhereCountsAsNone()
+{
+    kelvosim::failCall("vx_AllocImageMem", 1, 20, "");
+    kelvosim::overrideResult("vx_AllocImageMem", 0);
+    ImageSequence sequence;
+    try {
+        sequence.setup(handle, 3, info);
+        QFAIL("a null pointer is no memory");
+    } catch (const std::runtime_error &failure) {
+        QCOMPARE(failure.what(), "Can't allocate image memory.");
+    }
+    QCOMPARE(testcamera::calls(), QStringList{"vx_AllocImageMem"});
+}
+
+void TestImageSequence::onlyItsOwnMemoryIsHeld()
+{
+    char own[64 * 48] = {};
+    char foreign = 0;
+    ImageSequence sequence;
+    QVERIFY(!sequence.holds(nullptr));
+    kelvosim::overridePointer("vx_AllocImageMem", own);
+    kelvosim::overrideResult("vx_AddToSequence", 0);
+    sequence.setup(handle, 1, info);
+    QVERIFY(sequence.holds(own));
+    QVERIFY(!sequence.holds(own + 1));
+    QVERIFY(!sequence.holds(&foreign));
+    QVERIFY(!sequence.holds(nullptr));
+    sequence.clear();
+    QVERIFY(!sequence.holds(own));
+    kelvosim::reset(); // of the memory that the library allocated and did not tell of
 }
 
 void TestImageSequence::imageInfoIsZeroByDefault()
