@@ -29,6 +29,8 @@ void MainWindow::newImage(QImage &image)
         if (magnifierControl)
             magnifierControl->magnifier()->setImage(image);
         form->display->setImage(image);
+        if (!image.isNull())
+            setImageVisible(true); // a camera that delivers is there, whatever was heard of its cable last
         if (detecting)
             captureDarkFrame(image);
     });
