@@ -3,6 +3,8 @@
 
 #include "mainwindow.h"
 
+#include "ui_mainwindow.h"
+
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QMessageBox>
@@ -41,6 +43,7 @@ void MainWindow::clearBadpixel()
 void MainWindow::clearUserEntries()
 {
     changeRowByRow([this] { badpixelList.clearUserBadpixelList(); });
+    form->display->redrawImage(); // no frame may come for a while
 }
 
 /// User entries go one by one. Without care the table's row header would move its whole section list for

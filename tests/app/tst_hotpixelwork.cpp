@@ -31,6 +31,7 @@ private slots:
     void onlyUserEntriesEnableDeletion();
     void selectingTheSameRowAgainKeepsDeletionEnabled();
     void clearingKeepsTheFactoryEntries();
+    void clearingTakesTheCirclesAwayAtOnce();
     void aChangedClassUpdatesDeletion();
     void anIgnoredEntryCannotBeDeleted();
     void sortingLeavesDeletionToTheEntryThatIsSelectedNow();
@@ -166,6 +167,19 @@ void TestHotpixelWork::clearingKeepsTheFactoryEntries()
     QCOMPARE(bench.rows(), 2);
     QCOMPARE(bench.cell(0, 0), QString("10"));
     QCOMPARE(bench.cell(1, 0), QString("20"));
+}
+
+void TestHotpixelWork::clearingTakesTheCirclesAwayAtOnce()
+{
+    showFrame();
+    const QImage before = bench.driver->shownImage();
+    add(33, 44);
+    add(70, 60);
+    bench.moveTo(QPoint(0, 0));
+    bench.driver->display()->redrawImage();
+    QVERIFY(bench.driver->shownImage() != before);
+    bench.driver->trigger("clearBadpixelAction");
+    QCOMPARE(bench.driver->shownImage(), before);
 }
 
 void TestHotpixelWork::aChangedClassUpdatesDeletion()
