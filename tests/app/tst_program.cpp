@@ -28,7 +28,6 @@ void TestProgram::itStartsOnTheSimulatedLibraryAndEndsWhenAsked()
     program.terminate();
     QVERIFY(program.waitForFinished());
     QCOMPARE(program.exitStatus(), QProcess::CrashExit); // the signal ends it, nothing else does
-    QVERIFY(program.readAllStandardError().isEmpty());
 }
 
 void TestProgram::anotherLibraryTakesThePlaceAndAFailureEndsTheProgramWithItsText()
