@@ -66,11 +66,12 @@ void EventThread::stop()
 
 void EventThread::run()
 {
+    setTerminationEnabled(false);
     kelvo::EventWaitRecord record;
     record.codes = events.data();
     record.count = static_cast<std::uint32_t>(events.size());
     while (running) {
-        const kelvo::Status status = vx_Event(handle, kelvo::EventWait, &record, sizeof record);
+        const kelvo::Status status = callLibrary(kelvo::EventWait, &record, sizeof record);
         if (status != kelvo::Success)
             msleep(PauseAfterFailure);
         else if (running && mayTakeOff(record.signalled))
@@ -78,7 +79,17 @@ void EventThread::run()
         letReceiverCatchUp();
     }
     running = false;
-    vx_Event(handle, kelvo::EventDisable, events.data(), events.size() * sizeof(std::uint32_t));
+    callLibrary(kelvo::EventDisable, events.data(), events.size() * sizeof(std::uint32_t));
+}
+
+/// Inside of the library, and nowhere else, this thread may be ended by force. Elsewhere that would leave
+/// Qt's locks locked or, where Qt cleans up behind a thread that ends by itself just then, end the program.
+kelvo::Status EventThread::callLibrary(kelvo::EventCommand command, void *data, std::size_t size)
+{
+    setTerminationEnabled(true);
+    const kelvo::Status status = vx_Event(handle, command, data, static_cast<std::uint32_t>(size));
+    setTerminationEnabled(false);
+    return status;
 }
 
 /// After very many undelivered events waits for the delivery of all, so that the receiver's event loop gets

@@ -9,6 +9,7 @@
 #include <QVector>
 
 #include <atomic>
+#include <cstddef>
 
 /// Waits in the camera library for a list of events and emits eventhappen() for each.
 ///
@@ -56,6 +57,7 @@ private:
     enum Flight { Landed, InFlight, InFlightAndOneMore };
 
     kelvo::Status registerEvents();
+    kelvo::Status callLibrary(kelvo::EventCommand command, void *data, std::size_t size);
     bool mayTakeOff(std::uint32_t event);
     void takeOff(std::uint32_t event);
     void land();

@@ -9,6 +9,7 @@
 #include <QtTest>
 
 #include <dlfcn.h>
+#include <pthread.h>
 
 #include <atomic>
 
@@ -35,11 +36,29 @@ public:
     bool hasReturned = false;
 };
 
+constexpr std::uint32_t DisableEvents = 2;
+std::atomic<bool> isDeaf{false};
+
+/// A thread that is cancelled while one of these lives goes on until it is gone.
+class Deaf
+{
+public:
+    Deaf() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &before); }
+    ~Deaf() { pthread_setcancelstate(before, nullptr); }
+
+private:
+    int before = PTHREAD_CANCEL_ENABLE;
+};
+
 } // namespace
 
 extern "C" std::int32_t vx_Event(std::uint32_t h, std::uint32_t command, void *data, std::uint32_t size)
 {
     static const auto own = reinterpret_cast<decltype(&vx_Event)>(dlsym(RTLD_NEXT, "vx_Event"));
+    if (isDeaf && command == DisableEvents) {
+        const Deaf deaf;
+        return own(h, command, data, size);
+    }
     LateEnd end;
     const std::int32_t status = own(h, command, data, size);
     end.hasReturned = true;
@@ -54,6 +73,7 @@ private slots:
     void init() { testcamera::resetTo(testcamera::small()); }
 
     void aBlockedEventThreadIsEndedBeforeBuffersAreFreed();
+    void anEventThreadThatEndsLateByItselfMayDoSo();
 };
 
 void TestBlockedThread::aBlockedEventThreadIsEndedBeforeBuffersAreFreed()
@@ -78,6 +98,27 @@ void TestBlockedThread::aBlockedEventThreadIsEndedBeforeBuffersAreFreed()
     disconnect(connection);
     kelvosim::releaseCalls();
     kelvosim::clearFaults();
+    camera.open(testcamera::Device);
+    kelvosim::pushFrame(testcamera::Serial, {});
+    QTRY_COMPARE(camera.frameCount(), 1);
+}
+
+/// The order to end by force comes while the thread makes its last call, and meets it when it has returned.
+void TestBlockedThread::anEventThreadThatEndsLateByItselfMayDoSo()
+{
+    Camera camera;
+    camera.open(testcamera::Device);
+    QTRY_COMPARE(kelvosim::waitingThreads(), 2);
+    isDeaf = true;
+    kelvosim::delayCall("vx_Event", 700, DisableEvents);
+    QElapsedTimer timer;
+    timer.start();
+    camera.close();
+    QVERIFY(timer.elapsed() >= 650); // longer than the camera waits before it uses force
+    QVERIFY(testcamera::nothingHeld());
+
+    kelvosim::clearFaults();
+    isDeaf = false;
     camera.open(testcamera::Device);
     kelvosim::pushFrame(testcamera::Serial, {});
     QTRY_COMPARE(camera.frameCount(), 1);
