@@ -4,6 +4,7 @@
 
 #include "matrix.h"
 #include "pixelwalk.h"
+#include "rowaverage.h"
 
 #include <QImage>
 #include <QObject>
@@ -12,6 +13,7 @@
 #include <cstdint>
 #include <memory>
 #include <stdexcept>
+#include <vector>
 
 class BadpixelListModel;
 
@@ -73,13 +75,27 @@ protected:
     const QVector<QImage> *images = nullptr; // borrowed
     std::unique_ptr<Plane> monoMatrix;
     std::unique_ptr<Plane> planeMatrix[PlaneCount];
+    /// Of each row of a matrix' walk, in order.
+    std::vector<RowSummary> monoRows;
+    std::vector<RowSummary> planeRows[PlaneCount];
     const PlaneLayout monoLayout;
     const PlaneLayout planeLayout[PlaneCount];
     std::uint32_t threshold = 0;
 
 private:
+    /// A matrix to fill, with what belongs to it.
+    struct Target
+    {
+        Plane *matrix;
+        const PlaneLayout *layout;
+        std::vector<RowSummary> *rows;
+    };
+
     void checkFrames() const;
     void averageMono();
     void averagePlanes();
-    void fill(Plane *matrix, const PlaneLayout &layout) const;
+    void fill(const std::vector<Target> &planes) const;
+    bool canReadRows() const;
+    void fillByRows(const std::vector<Target> &planes) const;
+    void fillByFrames(const Target &plane) const;
 };

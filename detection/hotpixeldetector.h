@@ -27,7 +27,6 @@ public:
 private:
     void detectMono(BadpixelListModel *model);
     void detectPlanes(BadpixelListModel *model);
-    static std::uint32_t meanOf(const std::unique_ptr<Plane> &matrix);
-    void report(Plane *matrix, const PlaneLayout &layout, std::uint32_t limit,
-                BadpixelListModel *model) const;
+    void report(Plane *matrix, const PlaneLayout &layout, const std::vector<RowSummary> &rows,
+                std::uint32_t limit, BadpixelListModel *model) const;
 };

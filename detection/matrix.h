@@ -2,10 +2,13 @@
 // The two-dimensional array of sums in which a series of frames is averaged.
 #pragma once
 
+#include "largepages.h"
+
 #include <cstdint>
 #include <memory>
 #include <new>
 #include <stdexcept>
+#include <type_traits>
 
 /// Columns times rows of T, not initialised at first. Elements are addressed by (x, y).
 template<typename T>
@@ -61,6 +64,19 @@ public:
         }
     }
 
+    /// The same for a visitor of a final class, whose operation needs no virtual call: the compiler sees all
+    /// of the loop.
+    template<typename Visitor>
+    std::enable_if_t<std::is_final<Visitor>::value> forEach(Visitor &it)
+    {
+        for (T &value : *this)
+            it(value);
+    }
+
+    /// The elements in the order of forEach(): they lie one after the other.
+    T *begin() { return data.get(); }
+    T *end() { return data.get() + static_cast<std::size_t>(width) * height; }
+
 private:
     static constexpr std::uint64_t TooManyElements = std::uint64_t(1) << 30;
 
@@ -71,7 +87,9 @@ private:
         const std::uint64_t count = std::uint64_t(rows) * cols;
         if (count >= TooManyElements)
             throw std::bad_alloc();
-        return new T[static_cast<std::size_t>(count)];
+        T *elements = new T[static_cast<std::size_t>(count)];
+        askForLargePages(elements, static_cast<std::size_t>(count) * sizeof(T));
+        return elements;
     }
 
     void checkRange(unsigned x, unsigned y) const

@@ -14,7 +14,7 @@ struct PlaneLayout
     std::uint8_t stepY;
 };
 
-/// Image coordinates in step with the elements of a matrix: one for each call of advance().
+/// Image coordinates in step with the elements of a matrix: one for each call of advance(), or row by row.
 ///
 /// Kept: a row ends only beyond the frame's width, so x equal to the width is visited too and rows shift
 /// against the matrix. Values and positions come from this same walk, so they always belong together.
@@ -36,10 +36,19 @@ public:
     void advance()
     {
         column += layout.stepX;
-        if (column > width) {
-            column = layout.startX;
-            row += layout.stepY;
-        }
+        if (column > width)
+            nextRow();
+    }
+
+    /// How many places are left in this row, this one included.
+    int placesInRow() const { return (width - column) / layout.stepX + 1; }
+
+    int stepX() const { return layout.stepX; }
+
+    void nextRow()
+    {
+        column = layout.startX;
+        row += layout.stepY;
     }
 
 private:

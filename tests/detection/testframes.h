@@ -35,9 +35,10 @@ inline QImage flat(int width, int height, uchar grey)
 }
 
 /// A frame that is random down to its padding.
-inline QImage noise(int width, int height, QRandomGenerator *random)
+inline QImage noise(int width, int height, QRandomGenerator *random,
+                    QImage::Format format = QImage::Format_Indexed8)
 {
-    QImage image(width, height, QImage::Format_Indexed8);
+    QImage image(width, height, format);
     uchar *bytes = image.bits();
     for (int i = 0; i < image.bytesPerLine() * height; ++i)
         bytes[i] = static_cast<uchar>(random->bounded(256));
@@ -76,6 +77,13 @@ inline std::vector<QPoint> places(const PlaneOfFrame &plane, int width)
     return list;
 }
 
+/// The byte of a frame at this place; 0 behind the frame's end.
+inline unsigned pixelAt(const QImage &image, const QPoint &place)
+{
+    const int offset = place.y() * image.width() + place.x();
+    return offset < image.bytesPerLine() * image.height() ? image.constBits()[offset] : 0;
+}
+
 /// The averages of a plane's elements, in order.
 inline std::vector<unsigned> averages(const QVector<QImage> &frames, const PlaneOfFrame &plane)
 {
@@ -84,10 +92,29 @@ inline std::vector<unsigned> averages(const QVector<QImage> &frames, const Plane
     for (const QPoint &place : places(plane, width)) {
         unsigned sum = 0;
         for (const QImage &image : frames)
-            sum += image.constBits()[place.y() * width + place.x()];
+            sum += pixelAt(image, place);
         list.push_back(sum / static_cast<unsigned>(frames.size()));
     }
     return list;
+}
+
+/// Frames of which the first has 8 bits a pixel and the others have anything that can be read by bytes: few
+/// or many, small or wide.
+inline QVector<QImage> anyFrames(int smallest, QRandomGenerator *random)
+{
+    const QImage::Format formats[] = {
+        QImage::Format_Indexed8, QImage::Format_Indexed8, QImage::Format_Indexed8, QImage::Format_Grayscale8,
+        QImage::Format_Alpha8,   QImage::Format_RGB32,    QImage::Format_RGB16,    QImage::Format_RGB888,
+        QImage::Format_Mono,     QImage::Format_MonoLSB};
+    const bool allAlike = random->bounded(2) == 0;
+    const bool wide = random->bounded(4) == 0;
+    const bool many = random->bounded(12) == 0;
+    const int width = random->bounded(smallest, wide ? 700 : 40);
+    const int height = random->bounded(smallest, wide ? 9 : 40);
+    QVector<QImage> frames{noise(width, height, random)};
+    for (int left = many ? random->bounded(250, 300) : random->bounded(0, 14); left > 0; --left)
+        frames.append(noise(width, height, random, formats[allAlike ? 0 : random->bounded(10)]));
+    return frames;
 }
 
 } // namespace testframes

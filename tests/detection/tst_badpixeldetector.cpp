@@ -72,6 +72,28 @@ private:
     }
 };
 
+/// The averages of mono frames by the public visitors, one frame after the other, each element by virtual
+/// calls.
+std::vector<unsigned> visitedAverages(const QVector<QImage> &frames)
+{
+    const PlaneLayout layout{0, 0, 1, 1};
+    const QSize size = frames.first().size();
+    Sums matrix(static_cast<unsigned>(size.height()), static_cast<unsigned>(size.width()));
+    BadpixelDetector::CopyIterator copy;
+    BadpixelDetector::SumIterator sum;
+    BadpixelDetector::PixelValIterator *receiver = &copy;
+    for (const QImage &frame : frames) {
+        BadpixelDetector::ImageIterator walk(frame, layout, receiver);
+        matrix.forEach(static_cast<Sums::Iterator &>(walk));
+        receiver = &sum;
+    }
+    BadpixelDetector::DivIterator average(static_cast<unsigned>(frames.size()));
+    matrix.forEach(static_cast<Sums::Iterator &>(average));
+    Collector collector;
+    matrix.forEach(collector);
+    return collector.values;
+}
+
 /// The text that averaging fails with, "" when it does not; *finished counts detectionFinished() until then.
 QByteArray failure(int mode, const QVector<QImage> &frames, int *finished)
 {
@@ -102,6 +124,9 @@ private slots:
     void aBayerFrameOfOddWidthSevenHasThreeColumnsAPlane();
     void averagesMatchAPlainListOfPlaces_data();
     void averagesMatchAPlainListOfPlaces();
+    void averagesMatchAVisitorWithEachFrame();
+    void anyNumberOfBrightFramesIsAveraged();
+    void whatWasAddedUpBeforeAFrameOfAnotherSizeStays();
     void failuresComeAfterTheSignal_data();
     void failuresComeAfterTheSignal();
     void framesWithoutAVectorAreNoFrames();
@@ -186,20 +211,51 @@ void TestBadpixelDetector::averagesMatchAPlainListOfPlaces()
     QFETCH(int, mode);
     QFETCH(int, smallest);
     QRandomGenerator random(20 + static_cast<quint32>(mode));
-    for (int round = 0; round < 300; ++round) {
-        const int width = random.bounded(smallest, 24);
-        const int height = random.bounded(smallest, 24);
-        QVector<QImage> frames;
-        for (int i = random.bounded(1, 12); i > 0; --i)
-            frames.append(testframes::noise(width, height, &random));
+    for (int round = 0; round < 400; ++round) {
+        const QVector<QImage> frames = testframes::anyFrames(smallest, &random);
+        const QSize size = frames.first().size();
         Averager averager;
         averager.average(mode, frames);
-        const auto planes = testframes::planes(mode, width, height);
+        const auto planes = testframes::planes(mode, size.width(), size.height());
         for (std::size_t plane = 0; plane < planes.size(); ++plane) {
             const auto found = mode == Mono ? averager.mono() : averager.plane(static_cast<int>(plane));
             QCOMPARE(found, testframes::averages(frames, planes[plane]));
         }
     }
+}
+
+void TestBadpixelDetector::averagesMatchAVisitorWithEachFrame()
+{
+    QRandomGenerator random(77);
+    for (int round = 0; round < 100; ++round) {
+        const QVector<QImage> frames = testframes::anyFrames(1, &random);
+        Averager averager;
+        averager.average(Mono, frames);
+        QCOMPARE(averager.mono(), visitedAverages(frames));
+    }
+}
+
+void TestBadpixelDetector::anyNumberOfBrightFramesIsAveraged()
+{
+    // Sums of 257 such frames are the last that fit in 16 bits.
+    for (const int count : {1, 2, 5, 6, 10, 128, 256, 257, 258, 300}) {
+        const QVector<QImage> frames(count, testframes::flat(7, 4, 255));
+        Averager averager;
+        averager.average(Mono, frames);
+        QCOMPARE(averager.mono(), std::vector<unsigned>(7 * 4, 255));
+        averager.average(RawBayer, frames);
+        for (int plane = 0; plane < 4; ++plane)
+            QCOMPARE(averager.plane(plane), std::vector<unsigned>(3 * 2, 255));
+    }
+}
+
+void TestBadpixelDetector::whatWasAddedUpBeforeAFrameOfAnotherSizeStays()
+{
+    const QVector<QImage> frames{testframes::flat(4, 2, 9), testframes::flat(4, 2, 10),
+                                 testframes::flat(4, 3, 1)};
+    Averager averager;
+    QVERIFY_EXCEPTION_THROWN(averager.average(Mono, frames), std::runtime_error);
+    QCOMPARE(averager.mono(), std::vector<unsigned>(8, 19));
 }
 
 void TestBadpixelDetector::failuresComeAfterTheSignal_data()

@@ -137,6 +137,7 @@ private slots:
     void colourModeEightIsNotSupported();
     void finishedIsSignalledOnceWhenAllEntriesAreThere();
     void aFailureOfThePassItselfIsNotSignalledAndKeepsEntries();
+    void everyPixelMayBeHot();
     void meanValueIsThatOfTheMonoFrame();
     void meanValueNeedsAMonoFrame();
     void theLimitIsUnsignedArithmetic();
@@ -241,12 +242,8 @@ void TestHotpixelDetector::detectionMatchesAPlainListOfPlaces()
     QFETCH(int, smallest);
     QRandomGenerator random(7 + static_cast<quint32>(mode));
     int reported = 0;
-    for (int round = 0; round < 300; ++round) {
-        const int width = random.bounded(smallest, 24);
-        const int height = random.bounded(smallest, 24);
-        QVector<QImage> frames;
-        for (int i = random.bounded(1, 12); i > 0; --i)
-            frames.append(testframes::noise(width, height, &random));
+    for (int round = 0; round < 400; ++round) {
+        const QVector<QImage> frames = testframes::anyFrames(smallest, &random);
         const unsigned threshold = static_cast<unsigned>(random.bounded(60));
         const Points points = found(mode, frames, threshold);
         QCOMPARE(points, expected(mode, frames, threshold));
@@ -369,6 +366,14 @@ void TestHotpixelDetector::meanValueIsThatOfTheMonoFrame()
     BadpixelListModel model;
     detector.detect(&model);
     QCOMPARE(detector.meanValue(), 2u);
+}
+
+void TestHotpixelDetector::everyPixelMayBeHot()
+{
+    // 3 + (2^32 - 3) is 0: all 120,000 lie above it.
+    const QVector<QImage> frames(10, testframes::flat(400, 300, 3));
+    const std::vector<QPoint> walked = testframes::places({0, 0, 1, 400 * 300}, 400);
+    QCOMPARE(found(Mono, frames, 0u - 3u), walked);
 }
 
 void TestHotpixelDetector::meanValueNeedsAMonoFrame()

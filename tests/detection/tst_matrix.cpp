@@ -7,6 +7,7 @@
 #include <new>
 #include <stdexcept>
 #include <type_traits>
+#include <vector>
 
 using Sums = Matrix<unsigned int>;
 
@@ -19,6 +20,15 @@ public:
     void operator()(unsigned int &value) override { value = visited++; }
 
     unsigned int visited = 0;
+};
+
+/// Not final, so its operation is called as a virtual one.
+class Adder : public Sums::Iterator
+{
+public:
+    void operator()(unsigned int &value) override { sum += value; }
+
+    unsigned int sum = 0;
 };
 
 class Stopper final : public Sums::Iterator
@@ -55,6 +65,9 @@ private slots:
     void theOutOfRangeTextNamesTheArgumentsTheOtherWayRound();
     void constAccessIsCheckedToo();
     void forEachVisitsRowByRow();
+    void visitorsOfAFinalClassAndOthersSeeTheSame();
+    void elementsLieInTheOrderOfTheVisit();
+    void aLargeMatrixHoldsEveryElement();
     void whatAVisitorThrowsPasses();
     void tooManyElementsFailLikeAnyAllocation_data();
     void tooManyElementsFailLikeAnyAllocation();
@@ -114,6 +127,37 @@ void TestMatrix::forEachVisitsRowByRow()
     QCOMPARE(matrix(0, 1), 3u);
     QCOMPARE(matrix(1, 1), 4u);
     QCOMPARE(matrix(2, 1), 5u);
+}
+
+void TestMatrix::visitorsOfAFinalClassAndOthersSeeTheSame()
+{
+    Sums matrix(2, 3);
+    Counter counter;
+    matrix.forEach(counter);
+    Adder adder;
+    matrix.forEach(adder);
+    matrix.forEach(static_cast<Sums::Iterator &>(counter));
+    QCOMPARE(adder.sum, 0u + 1 + 2 + 3 + 4 + 5);
+    QCOMPARE(std::vector<unsigned>(matrix.begin(), matrix.end()),
+             (std::vector<unsigned>{6, 7, 8, 9, 10, 11}));
+}
+
+void TestMatrix::elementsLieInTheOrderOfTheVisit()
+{
+    Sums matrix(2, 3);
+    Counter counter;
+    matrix.forEach(static_cast<Sums::Iterator &>(counter));
+    QCOMPARE(std::vector<unsigned>(matrix.begin(), matrix.end()), (std::vector<unsigned>{0, 1, 2, 3, 4, 5}));
+}
+
+void TestMatrix::aLargeMatrixHoldsEveryElement()
+{
+    Sums matrix(1031, 2053); // 8 MB and a bit, no whole number of pages
+    Counter counter;
+    matrix.forEach(counter);
+    QCOMPARE(counter.visited, 1031u * 2053u);
+    for (unsigned y = 0; y < 1031; ++y)
+        QCOMPARE(matrix(2052, y), 2053 * y + 2052);
 }
 
 void TestMatrix::whatAVisitorThrowsPasses()
