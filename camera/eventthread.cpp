@@ -11,7 +11,7 @@ namespace {
 constexpr unsigned long PauseAfterFailure = 10; // milliseconds
 
 // A library that signals without end must not fill the memory, nor keep the receiver from all else.
-constexpr int MostUndelivered = 1000;
+constexpr int MostUndelivered = 100;
 constexpr unsigned long PauseForReceiver = 1; // milliseconds
 
 } // namespace
@@ -92,7 +92,7 @@ kelvo::Status EventThread::callLibrary(kelvo::EventCommand command, void *data, 
     return status;
 }
 
-/// After very many undelivered events waits for the delivery of all, so that the receiver's event loop gets
+/// After many undelivered events waits for the delivery of all, so that the receiver's event loop gets
 /// to what else is in its queue.
 void EventThread::letReceiverCatchUp()
 {

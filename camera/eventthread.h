@@ -37,7 +37,7 @@ public:
     /// counts as one further event. Call it before the first start().
     void holdBack(std::uint32_t event);
 
-    /// The receiver has got one eventhappen(event), and says so for each: a thousand undelivered ones make
+    /// The receiver has got one eventhappen(event), and says so for each: a hundred undelivered ones make
     /// the thread wait. A held-back one follows as soon as the event loop has nothing else to do, so that
     /// input, timers and other events get their turn between two of them.
     void delivered(int event);
