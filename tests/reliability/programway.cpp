@@ -34,7 +34,10 @@ constexpr int Width = 48;
 constexpr int Height = 40;
 constexpr int FramesOfARun = 11;     // ten, and the one on whose arrival the detector runs
 constexpr int LongestAnswer = 30000; // milliseconds
-constexpr int LongestAnswerOfALiar = 100;
+
+// Of a library that lies, which may never give the answer.
+constexpr int LongAnswer = 100;
+constexpr int ShortAnswer = 5; // after it gave none
 const std::string Mono = "KVMONO";
 const std::string Colour = "KVCOLOUR";
 const std::vector<kelvosim::Pixel> Stored = {{3, 4}, {5, 6}};
@@ -293,6 +296,7 @@ void ProgramWay::refreshList()
 void ProgramWay::open(const std::string &serial)
 {
     opened = serial;
+    waitedInVain = false;
     driver->selectCamera(QString::fromStdString(serial));
     trigger("openCameraAction");
     stopTimers();
@@ -414,7 +418,9 @@ bool ProgramWay::waitFor(const std::function<bool()> &condition)
             QCoreApplication::processEvents();
             return false;
         }
-        if (timer.elapsed() > (libraryLies ? LongestAnswerOfALiar : LongestAnswer)) {
+        const int patience = !libraryLies ? LongestAnswer : waitedInVain ? ShortAnswer : LongAnswer;
+        if (timer.elapsed() > patience) {
+            waitedInVain = true;
             if (!libraryLies)
                 find("waited in vain");
             return false;

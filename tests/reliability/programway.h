@@ -124,4 +124,5 @@ private:
     QVector<int> firstCalls;
     int clicks = 0;
     bool gone = false;
+    bool waitedInVain = false; // since the last opening
 };

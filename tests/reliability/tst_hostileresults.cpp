@@ -458,7 +458,10 @@ void TestHostileResults::play(const Lie &told, int from, int until)
     const long memoryBefore = peakMemory();
     way.play();
     slowest = std::max(slowest, timer.elapsed());
-    ++runs;
+    if (++runs % 250 == 0) {
+        std::printf("%d runs\n", runs);
+        std::fflush(stdout);
+    }
     if (peakMemory() - memoryBefore > MostMoreMemory)
         way.find(QString("took %1 KiB").arg(peakMemory() - memoryBefore));
     checkSizesAskedFor();
