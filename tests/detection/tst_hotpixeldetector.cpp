@@ -138,6 +138,7 @@ private slots:
     void finishedIsSignalledOnceWhenAllEntriesAreThere();
     void aFailureOfThePassItselfIsNotSignalledAndKeepsEntries();
     void everyPixelMayBeHot();
+    void theSumBehindTheMeanHas32Bits();
     void meanValueIsThatOfTheMonoFrame();
     void meanValueNeedsAMonoFrame();
     void theLimitIsUnsignedArithmetic();
@@ -374,6 +375,19 @@ void TestHotpixelDetector::everyPixelMayBeHot()
     const QVector<QImage> frames(10, testframes::flat(400, 300, 3));
     const std::vector<QPoint> walked = testframes::places({0, 0, 1, 400 * 300}, 400);
     QCOMPARE(found(Mono, frames, 0u - 3u), walked);
+}
+
+void TestHotpixelDetector::theSumBehindTheMeanHas32Bits()
+{
+    // 17,220,000 times 254 is 78,912,704 beyond 2^32, which leaves a mean of 4.
+    const QVector<QImage> frames{withPixels(testframes::flat(4200, 4100, 254), {{5, 0}}, 255)};
+    HotpixelDetector detector;
+    detector.setThreshold(250);
+    detector.setImages(Mono, &frames);
+    BadpixelListModel model;
+    detector.detect(&model);
+    QCOMPARE(detector.meanValue(), 4u);
+    QCOMPARE(entries(model), (Points{{5, 0}}));
 }
 
 void TestHotpixelDetector::meanValueNeedsAMonoFrame()
