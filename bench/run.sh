@@ -10,5 +10,7 @@ cmake --preset release -B build-bench -DSPECKMEND_BENCH=ON -DSPECKMEND_TESTS=OFF
 cmake --build build-bench --target benchmarks || fail "building the benchmarks failed."
 for source in bench/bench_*.cpp; do
     name=$(basename "$source" .cpp)
-    "build-bench/bench/$name" "$@" || fail "$name failed."
+    "build-bench/bench/$name" --benchmark_counters_tabular=true "$@" || fail "$name failed."
 done
+# Not needed: it says itself what of its packages is missing.
+[ ! -x /usr/bin/python3 ] || bench/detection_numpy_opencv.py || fail "the comparison with numpy and OpenCV failed."
