@@ -160,7 +160,9 @@ void LiveLoad::look()
     QMetaObject::invokeMethod(window.get(), "updateStatus", Qt::DirectConnection);
     figures.shown = static_cast<std::uint64_t>(numberIn(window->findChild<QLabel *>("framesLabel")));
     const auto samples = static_cast<std::uint64_t>(figures.memory.size());
-    if (samples < Samples && figures.frames >= plan.frames * samples / Samples)
+    const bool due = figures.frames >= plan.frames * samples / Samples &&
+                     figures.shown >= plan.shownFrames * samples / Samples;
+    if (samples < Samples && due)
         sample();
 }
 
@@ -174,7 +176,7 @@ void LiveLoad::click()
 
 void LiveLoad::sample()
 {
-    figures.memory << Sample{frames(), residentBytes()};
+    figures.memory << Sample{frames(), figures.shown, residentBytes()};
 }
 
 std::int64_t LiveLoad::residentBytes()
@@ -199,8 +201,9 @@ void printFigures(const LiveLoad::Figures &figures)
     std::printf("longest gap between two ticks of %d ms: %lld ms; %d clicks, %d answers\n", Tick,
                 static_cast<long long>(figures.longestGap), figures.clicks, figures.answers);
     for (const LiveLoad::Sample &sample : figures.memory)
-        std::printf("after %10llu frames %8.1f MiB resident\n",
+        std::printf("after %10llu frames, %10llu shown: %8.1f MiB resident\n",
                     static_cast<unsigned long long>(sample.frames),
+                    static_cast<unsigned long long>(sample.shown),
                     static_cast<double>(sample.residentBytes) / (1024.0 * 1024.0));
     std::fflush(stdout);
 }

@@ -61,6 +61,7 @@ public:
     struct Sample
     {
         std::uint64_t frames = 0;
+        std::uint64_t shown = 0;
         std::int64_t residentBytes = 0;
     };
 

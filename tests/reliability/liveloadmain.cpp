@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The window under load for as long as wanted, in figures.
-//   speckmend-liveload [--size 320x240] [--zoom 1to1] [--frames 100000] [--rate 10000] [--signals 0]
+//   speckmend-liveload [--size 320x240] [--zoom 1to1] [--frames 100000] [--shown 0] [--rate 10000] [--signals
+//   0]
 
 #include "liveload.h"
 
@@ -18,6 +19,7 @@ int main(int argc, char **argv)
     parser.addOptions({{"size", "Pixels of the sensor.", "width x height", "320x240"},
                        {"zoom", "1to4, 1to2, 1to1, 2to1 or 4to1.", "zoom", "1to1"},
                        {"frames", "Frames that the camera takes.", "number", "100000"},
+                       {"shown", "Frames that get to the window.", "number", "0"},
                        {"rate", "Frames a second that are asked for.", "number", "10000"},
                        {"signals", "Further events a second.", "number", "0"}});
     parser.process(application);
@@ -29,6 +31,7 @@ int main(int argc, char **argv)
     plan.height = parser.value("size").section('x', 1, 1).toInt();
     plan.zoom = parser.value("zoom");
     plan.frames = parser.value("frames").toULongLong();
+    plan.shownFrames = parser.value("shown").toULongLong();
     plan.framesPerSecond = parser.value("rate").toDouble();
     plan.signalsPerSecond = parser.value("signals").toDouble();
     LiveLoad load(plan);
