@@ -281,7 +281,7 @@ void MonkeyBench::signalDeviceEvent(MonkeyRandom &random)
 
 void MonkeyBench::lieAboutCameras(MonkeyRandom &random)
 {
-    const int number = random.oneIn(100) ? 40000 : random.pick({-1000000, 0, 1, 2, 7, 60, -1});
+    const int number = random.oneIn(400) ? 40000 : random.pick({-1000000, 0, 1, 2, 7, 60, -1});
     const int listed = random.oneIn(100) ? 0x7FFFFFFF : random.pick({0, 1, 3, 60, 1000000, -1});
     monkeydiary::note(QString("%1 %2").arg(number).arg(listed));
     kelvosim::lieAboutCameras(number, listed);
