@@ -424,7 +424,13 @@ void TestHotpixelDetector::aDetectorServesRunAfterRun()
     detector.detect(&model);
     detector.setImages(RawBayer, &second);
     detector.detect(&model);
-    QCOMPARE(entries(model), (Points{{5, 0}, {1, 0}}));
+    const QVector<QImage> third{withPixels(testframes::flat(8, 8, 3), {{3, 4}}, 90)};
+    const QVector<QImage> fourth{withPixels(testframes::flat(12, 12, 3), {{6, 7}}, 90)};
+    detector.setImages(Mono, &third);
+    detector.detect(&model);
+    detector.setImages(RawBayer, &fourth);
+    detector.detect(&model);
+    QCOMPARE(entries(model), (Points{{5, 0}, {1, 0}, {3, 4}, {6, 7}}));
 }
 
 QTEST_MAIN(TestHotpixelDetector)
