@@ -105,6 +105,7 @@ MonkeyKinds MonkeyInput::kinds()
             kind("double click", 4, &MonkeyInput::doubleClick),
             kind("right click", 4, &MonkeyInput::rightClick),
             kind("drag", 8, &MonkeyInput::drag),
+            kind("drag splitter", 3, &MonkeyInput::dragSplitter),
             kind("wheel", 8, &MonkeyInput::wheel),
             kind("key", 24, &MonkeyInput::key),
             kind("type", 6, &MonkeyInput::type),
@@ -236,9 +237,24 @@ void MonkeyInput::rightClick(MonkeyRandom &random)
 
 void MonkeyInput::drag(MonkeyRandom &random)
 {
+    const Place place = anyPlace(random);
+    dragFrom(place, anyButton(random), random);
+}
+
+/// The gap beside or below a dock belongs to the window.
+void MonkeyInput::dragSplitter(MonkeyRandom &random)
+{
+    if (receiver() != window || !window)
+        return;
+    const QRect dock = random.pick(window->findChildren<QDockWidget *>())->geometry();
+    const QPoint gap = random.oneIn(2) ? QPoint(dock.right() + 2, dock.center().y())
+                                       : QPoint(dock.center().x(), dock.bottom() + 2);
+    dragFrom({window, gap}, Qt::LeftButton, random);
+}
+
+void MonkeyInput::dragFrom(Place place, Qt::MouseButton button, MonkeyRandom &random)
+{
     timestamp += BetweenClicks;
-    Place place = anyPlace(random);
-    const Qt::MouseButton button = anyButton(random);
     mouse(QEvent::MouseButtonPress, place, button, Qt::NoModifier);
     for (int i = random.from(1, 4); i > 0; --i) {
         place.point += QPoint(random.from(-60, 60), random.from(-60, 60));

@@ -55,6 +55,8 @@ private:
     void doubleClick(MonkeyRandom &random);
     void rightClick(MonkeyRandom &random);
     void drag(MonkeyRandom &random);
+    void dragSplitter(MonkeyRandom &random);
+    void dragFrom(Place place, Qt::MouseButton button, MonkeyRandom &random);
     void wheel(MonkeyRandom &random);
     void key(MonkeyRandom &random);
     void type(MonkeyRandom &random);
