@@ -72,9 +72,9 @@ void BadpixelDetector::averagePlanes()
         matrix = std::make_unique<Plane>(static_cast<unsigned>(size.height() / 2),
                                          static_cast<unsigned>(size.width() / 2));
     }
-    std::vector<Target> planes;
-    for (int plane = 0; plane < PlaneCount; ++plane)
-        planes.push_back({planeMatrix[plane].get(), &planeLayout[plane], &planeRows[plane]});
+    std::vector<Target> planes(PlaneCount);
+    for (std::size_t plane = 0; plane < PlaneCount; ++plane)
+        planes[plane] = {planeMatrix[plane].get(), &planeLayout[plane], &planeRows[plane]};
     fill(planes);
 }
 
@@ -107,6 +107,7 @@ void BadpixelDetector::fillByRows(const std::vector<Target> &planes) const
     const std::size_t width = static_cast<std::size_t>(images->first().width());
     const std::size_t end = width * static_cast<std::size_t>(images->first().height());
     std::vector<WalkedRows> walks;
+    walks.reserve(planes.size());
     for (const Target &plane : planes)
         walks.emplace_back(plane.matrix, *plane.layout, images->first().width());
     RowAverage average(*images, images->first().width() + 1);

@@ -37,7 +37,7 @@ RowSummary divide(const std::uint16_t *sums, int count, ByteAverage average, uns
 {
     RowSummary summary;
     for (int i = 0; i < count; ++i) {
-        averages[i] = average.of(sums[i * Step]);
+        averages[i] = average.of(sums[std::ptrdiff_t(i) * Step]);
         include(averages[i], summary);
     }
     return summary;
