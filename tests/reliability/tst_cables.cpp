@@ -427,6 +427,8 @@ void Way::answer(QDialog &dialogue)
     } else if (auto *files = qobject_cast<QFileDialog *>(&dialogue)) {
         files->findChild<QLineEdit *>("fileNameEdit")->setText(file);
         QMetaObject::invokeMethod(files, "accept");
+        if (files->isVisible()) // no file was saved before, as no camera was there then
+            files->reject();
     } else if (auto *box = qobject_cast<QMessageBox *>(&dialogue)) {
         QAbstractButton *yes = box->button(QMessageBox::Yes);
         (yes ? yes : box->buttons().value(0))->click();
@@ -723,6 +725,7 @@ void TestCables::aCableWobblesAtTimesOfItsOwn()
     Way way(hand);
     const unsigned seed = std::random_device()();
     std::printf("seed %u\n", seed);
+    std::fflush(stdout);
     WobblyCable cable(seed);
     for (int round = 0; round < qMax(2, 200 / stride()); ++round) {
         way.play();
