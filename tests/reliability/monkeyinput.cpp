@@ -106,6 +106,7 @@ MonkeyKinds MonkeyInput::kinds()
             kind("right click", 4, &MonkeyInput::rightClick),
             kind("drag", 8, &MonkeyInput::drag),
             kind("drag splitter", 3, &MonkeyInput::dragSplitter),
+            kind("drag dock", 4, &MonkeyInput::dragDock),
             kind("wheel", 8, &MonkeyInput::wheel),
             kind("key", 24, &MonkeyInput::key),
             kind("type", 6, &MonkeyInput::type),
@@ -250,6 +251,29 @@ void MonkeyInput::dragSplitter(MonkeyRandom &random)
     const QPoint gap = random.oneIn(2) ? QPoint(dock.right() + 2, dock.center().y())
                                        : QPoint(dock.center().x(), dock.bottom() + 2);
     dragFrom({window, gap}, Qt::LeftButton, random);
+}
+
+/// By its title to any place in the window, where it is put beside, above, below or behind another one.
+void MonkeyInput::dragDock(MonkeyRandom &random)
+{
+    constexpr int TitleMiddle = 9;
+    if (receiver() != window || !window)
+        return;
+    QDockWidget *dock = random.pick(window->findChildren<QDockWidget *>());
+    const QPoint aim(random.below(window->width()), random.below(window->height()));
+    if (!dock->isVisible())
+        return;
+    Place place{dock, QPoint(random.below(dock->width()), TitleMiddle)};
+    monkeydiary::note(described(dock, aim));
+    timestamp += BetweenClicks;
+    mouse(QEvent::MouseButtonPress, place, Qt::LeftButton, Qt::NoModifier);
+    for (const int share : {4, 2, 1}) {
+        const QPoint here = dock->mapToGlobal(place.point);
+        place.point = dock->mapFromGlobal(here + (window->mapToGlobal(aim) - here) / share);
+        mouse(QEvent::MouseMove, place, Qt::NoButton, Qt::NoModifier);
+    }
+    if (!random.oneIn(5))
+        mouse(QEvent::MouseButtonRelease, place, Qt::LeftButton, Qt::NoModifier);
 }
 
 void MonkeyInput::dragFrom(Place place, Qt::MouseButton button, MonkeyRandom &random)

@@ -19,8 +19,8 @@ class MonkeyInput final
 public:
     void setWindow(QWidget *mainWindow);
 
-    /// Lets go of all buttons and docks. Before the program moves or destroys a dock: Qt forgets to free what
-    /// it knows of a drag, or uses it afterwards, and a person who drags one cannot do that.
+    /// Lets go of all buttons and docks. Before a dock is closed or raised: Qt forgets to free what it knows of
+    /// a drag, or uses it afterwards, and a person who drags one cannot do that.
     void releaseAll();
 
     MonkeyKinds kinds();
@@ -56,6 +56,7 @@ private:
     void rightClick(MonkeyRandom &random);
     void drag(MonkeyRandom &random);
     void dragSplitter(MonkeyRandom &random);
+    void dragDock(MonkeyRandom &random);
     void dragFrom(Place place, Qt::MouseButton button, MonkeyRandom &random);
     void wheel(MonkeyRandom &random);
     void key(MonkeyRandom &random);

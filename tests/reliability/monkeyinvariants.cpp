@@ -13,6 +13,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QDockWidget>
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QItemSelectionModel>
@@ -73,6 +74,12 @@ void MonkeyInvariants::followWindow()
     connect(deleteAction, &QAction::triggered, this, [this] { ++deletions; });
     connect(actionsNamed({"clearBadpixelAction"}).first(), &QAction::triggered, this,
             [this] { usersMayGo = true; });
+    for (QDockWidget *dock : window.findChildren<QDockWidget *>()) {
+        connect(dock, &QDockWidget::dockLocationChanged, this,
+                [] { monkeydiary::count("docks put in place"); });
+        connect(dock, &QDockWidget::topLevelChanged, this,
+                [] { monkeydiary::count("docks floated or docked"); });
+    }
     for (QAction *each : window.findChildren<QAction *>())
         connect(each, &QAction::triggered, this,
                 [] { monkeydiary::count("actions of the window triggered"); });

@@ -41,11 +41,6 @@ Looks &startLooks()
     return looks;
 }
 
-Qt::DockWidgetArea anySide(MonkeyRandom &random)
-{
-    return random.oneIn(2) ? Qt::LeftDockWidgetArea : Qt::RightDockWidgetArea;
-}
-
 } // namespace
 
 void MonkeyWindow::setWindow(MainWindow *mainWindow)
@@ -70,7 +65,6 @@ MonkeyKinds MonkeyWindow::kinds()
             kind(this, "refresh", 16, &MonkeyWindow::refresh),
             kind(this, "statistics", 3, &MonkeyWindow::updateStatistics),
             kind(this, "keep list short", 10, &MonkeyWindow::keepListShort),
-            kind(this, "move dock", 3, &MonkeyWindow::moveDock),
             kind(this, "toggle dock", 2, &MonkeyWindow::toggleDock),
             kind(this, "destroy magnifier", 1, &MonkeyWindow::destroyMagnifier),
             kind(this, "show docks", 3, &MonkeyWindow::showDocks),
@@ -190,27 +184,6 @@ void MonkeyWindow::keepListShort(MonkeyRandom &random)
         return;
     trigger("clearBadpixelAction");
     openCamera(random);
-}
-
-void MonkeyWindow::moveDock(MonkeyRandom &random)
-{
-    QDockWidget *dock = anyDock(random);
-    QDockWidget *other = anyDock(random);
-    const int way = random.below(5);
-    if (!dock)
-        return;
-    input.releaseAll();
-    monkeydiary::note(QString("%1 %2").arg(dock->objectName()).arg(way));
-    if (way == 0)
-        dock->setFloating(!dock->isFloating());
-    else if (way == 1)
-        window->addDockWidget(anySide(random), dock);
-    else if (way == 2 && dock != other)
-        window->tabifyDockWidget(other, dock);
-    else if (way == 3 && dock != other)
-        window->splitDockWidget(other, dock, random.oneIn(2) ? Qt::Horizontal : Qt::Vertical);
-    else
-        window->resizeDocks({dock}, {random.from(1, 600)}, random.oneIn(2) ? Qt::Horizontal : Qt::Vertical);
 }
 
 void MonkeyWindow::toggleDock(MonkeyRandom &random)

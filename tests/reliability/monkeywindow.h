@@ -50,7 +50,6 @@ private:
     void refresh(MonkeyRandom &random);
     void updateStatistics(MonkeyRandom &random);
     void keepListShort(MonkeyRandom &random);
-    void moveDock(MonkeyRandom &random);
     void toggleDock(MonkeyRandom &random);
     void destroyMagnifier(MonkeyRandom &random);
     void showDocks(MonkeyRandom &random);
