@@ -66,7 +66,6 @@ MonkeyKinds MonkeyWindow::kinds()
             kind(this, "statistics", 3, &MonkeyWindow::updateStatistics),
             kind(this, "keep list short", 10, &MonkeyWindow::keepListShort),
             kind(this, "toggle dock", 2, &MonkeyWindow::toggleDock),
-            kind(this, "destroy magnifier", 1, &MonkeyWindow::destroyMagnifier),
             kind(this, "show docks", 3, &MonkeyWindow::showDocks),
             kind(this, "resize", 3, &MonkeyWindow::resize),
             kind(this, "window state", 2, &MonkeyWindow::changeState),
@@ -194,14 +193,6 @@ void MonkeyWindow::toggleDock(MonkeyRandom &random)
         dock->close();
     else if (dock)
         dock->raise();
-}
-
-void MonkeyWindow::destroyMagnifier(MonkeyRandom &random)
-{
-    if (!random.oneIn(8))
-        return;
-    input.releaseAll();
-    delete window->findChild<QDockWidget *>("MagnifierDock");
 }
 
 void MonkeyWindow::showDocks(MonkeyRandom &)

@@ -51,7 +51,6 @@ private:
     void updateStatistics(MonkeyRandom &random);
     void keepListShort(MonkeyRandom &random);
     void toggleDock(MonkeyRandom &random);
-    void destroyMagnifier(MonkeyRandom &random);
     void showDocks(MonkeyRandom &random);
     void resize(MonkeyRandom &random);
     void changeState(MonkeyRandom &random);
