@@ -11,12 +11,15 @@ std::uint32_t keyOf(std::uint16_t x, std::uint16_t y)
 
 } // namespace
 
-void BadpixelIndex::follow(const std::deque<Badpixel> &entries)
+void BadpixelIndex::follow(const std::vector<Badpixel> &entries)
 {
     if (stale) {
         places.clear();
         known = 0;
         stale = false;
+    }
+    if (known == 0) {
+        places.reserve(entries.size());
     }
     for (; known < entries.size(); ++known) {
         const Badpixel &entry = entries[known];

@@ -5,8 +5,8 @@
 #include "badpixel.h"
 
 #include <cstddef>
-#include <deque>
 #include <unordered_map>
+#include <vector>
 
 /// Remembers for each place the first row that holds it. It follows a list that grows at its end by itself;
 /// after any other change of the list it must be told to forget. GUI thread only.
@@ -14,7 +14,7 @@ class BadpixelIndex final
 {
 public:
     /// Takes up the entries that were appended since the last call. Call it before asking.
-    void follow(const std::deque<Badpixel> &entries);
+    void follow(const std::vector<Badpixel> &entries);
 
     /// To be called when rows moved or entries changed; the next follow() starts from the first row.
     void forget() { stale = true; }

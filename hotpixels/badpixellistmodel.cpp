@@ -177,8 +177,8 @@ bool BadpixelListModel::insertRows(int row, int count, const QModelIndex &)
     Badpixel entry;
     entry.pixelclass = User;
     beginInsertRows(QModelIndex(), row, row + count - 1);
-    const auto position = entries.begin() + qBound(0, row, rowCount());
-    entries.insert(position, static_cast<std::size_t>(count), entry);
+    entries.insert(static_cast<std::size_t>(qBound(0, row, rowCount())), static_cast<std::size_t>(count),
+                   entry);
     places.forget();
     endInsertRows();
     return true;
@@ -193,8 +193,7 @@ bool BadpixelListModel::removeRows(int row, int count, const QModelIndex &)
     }
     beginRemoveRows(QModelIndex(), row, row + count - 1);
     if (row >= 0 && row < rowCount()) {
-        const auto first = entries.begin() + row;
-        entries.erase(first, first + qMin(count, rowCount() - row));
+        entries.erase(static_cast<std::size_t>(row), static_cast<std::size_t>(qMin(count, rowCount() - row)));
         places.forget();
     }
     endRemoveRows();
@@ -220,12 +219,12 @@ bool BadpixelListModel::addBadpixel(const QPoint &position)
 {
     const Badpixel entry{static_cast<std::uint16_t>(position.x()), static_cast<std::uint16_t>(position.y()),
                          User};
-    places.follow(entries);
+    places.follow(entries.joined());
     if (places.isTaken(entry.x, entry.y)) {
         return false;
     }
     beginInsertRows(QModelIndex(), rowCount(), rowCount());
-    entries.push_back(entry);
+    entries.append(entry);
     endInsertRows();
     emit pixelAdded(1);
     return true;
@@ -289,7 +288,8 @@ void BadpixelListModel::sort(int column, Qt::SortOrder order)
         return;
     }
     places.forget();
-    std::sort(entries.begin(), entries.end(), EntryOrder{column, static_cast<int>(order)});
+    std::vector<Badpixel> &list = entries.joined();
+    std::sort(list.begin(), list.end(), EntryOrder{column, static_cast<int>(order)});
     emit layoutChanged();
 }
 
@@ -298,7 +298,7 @@ QModelIndex BadpixelListModel::entryAt(int x, int y) const
     if (!fitsCoordinate(x) || !fitsCoordinate(y)) {
         return QModelIndex();
     }
-    places.follow(entries);
+    places.follow(entries.joined());
     const int row = places.firstRow(static_cast<std::uint16_t>(x), static_cast<std::uint16_t>(y));
     return row < 0 ? QModelIndex() : index(row, 0);
 }
@@ -308,8 +308,9 @@ QModelIndex BadpixelListModel::entryNear(int x, int y, int tolerance) const
     const auto isMatch = [=](const Badpixel &entry) {
         return isNear(entry.x, x, tolerance) && isNear(entry.y, y, tolerance);
     };
-    const auto found = std::find_if(entries.begin(), entries.end(), isMatch);
-    return found == entries.end() ? QModelIndex() : index(static_cast<int>(found - entries.begin()), 0);
+    const std::vector<Badpixel> &list = entries.joined();
+    const auto found = std::find_if(list.begin(), list.end(), isMatch);
+    return found == list.end() ? QModelIndex() : index(static_cast<int>(found - list.begin()), 0);
 }
 
 // Kept: the announced rows begin at 0 even where the list goes behind factory entries. The list was cleared
@@ -320,14 +321,15 @@ void BadpixelListModel::appendFromCamera(const std::vector<Badpixel> &list)
         return;
     }
     beginInsertRows(QModelIndex(), 0, static_cast<int>(list.size()) - 1);
-    entries.insert(entries.end(), list.begin(), list.end());
+    entries.append(list);
     endInsertRows();
 }
 
 std::vector<Badpixel> BadpixelListModel::userEntries() const
 {
+    const std::vector<Badpixel> &all = entries.joined();
     std::vector<Badpixel> list;
-    std::copy_if(entries.begin(), entries.end(), std::back_inserter(list),
+    std::copy_if(all.begin(), all.end(), std::back_inserter(list),
                  [](const Badpixel &entry) { return entry.pixelclass == User; });
     return list;
 }

@@ -4,13 +4,13 @@
 
 #include "badpixel.h"
 #include "badpixelindex.h"
+#include "entrylist.h"
 
 #include <QAbstractTableModel>
 #include <QPoint>
 #include <QStringList>
 
 #include <cstdint>
-#include <deque>
 #include <vector>
 
 class Camera;
@@ -110,9 +110,7 @@ private:
     // Written by the camera library itself, hence of its width and sign.
     std::int32_t maxUserEntries = 0;
     std::int32_t factoryCount = 0;
-    // User entries follow a few factory entries, so clearing them row by row removes near the front: cheap
-    // in a deque, quadratic in a vector.
-    std::deque<Badpixel> entries;
+    EntryList entries;
     QStringList headers;
     mutable BadpixelIndex places; // follows the entries when asked
 };

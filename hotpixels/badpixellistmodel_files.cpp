@@ -115,6 +115,6 @@ void BadpixelListModel::append(const std::vector<Badpixel> &list)
         return;
     }
     beginInsertRows(QModelIndex(), rowCount(), rowCount() + static_cast<int>(list.size()) - 1);
-    entries.insert(entries.end(), list.begin(), list.end());
+    entries.append(list);
     endInsertRows();
 }

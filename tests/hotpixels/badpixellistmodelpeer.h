@@ -9,6 +9,6 @@ struct BadpixelListModelPeer
     /// Appends entries without announcing them.
     static void append(BadpixelListModel &model, const std::vector<Badpixel> &list)
     {
-        model.entries.insert(model.entries.end(), list.begin(), list.end());
+        model.entries.append(list);
     }
 };

@@ -37,7 +37,7 @@ void TestBadpixelIndex::findsTheFirstOfSeveralRows()
 void TestBadpixelIndex::followsAGrowingList()
 {
     BadpixelIndex index;
-    std::deque<Badpixel> entries{{1, 1, User}};
+    std::vector<Badpixel> entries{{1, 1, User}};
     index.follow(entries);
     entries.push_back({3, 4, User});
     index.follow(entries);
@@ -48,9 +48,9 @@ void TestBadpixelIndex::followsAGrowingList()
 void TestBadpixelIndex::findsMovedRowsOnceToldToForget()
 {
     BadpixelIndex index;
-    std::deque<Badpixel> entries{{1, 1, User}, {3, 4, User}};
+    std::vector<Badpixel> entries{{1, 1, User}, {3, 4, User}};
     index.follow(entries);
-    entries.pop_front();
+    entries.erase(entries.begin());
     index.forget();
     index.follow(entries);
     QCOMPARE(index.firstRow(1, 1), -1);
@@ -61,7 +61,7 @@ void TestBadpixelIndex::findsMovedRowsOnceToldToForget()
 void TestBadpixelIndex::ignoredPlacesAreNotTaken()
 {
     BadpixelIndex index;
-    std::deque<Badpixel> entries{{1, 1, Ignore}, {2, 2, 255}, {3, 3, Factory}, {4, 4, User}};
+    std::vector<Badpixel> entries{{1, 1, Ignore}, {2, 2, 255}, {3, 3, Factory}, {4, 4, User}};
     index.follow(entries);
     QVERIFY(!index.isTaken(1, 1));
     QVERIFY(!index.isTaken(2, 2));

@@ -90,6 +90,7 @@ private slots:
 
     void clearingUserEntriesLeavesTheOthers();
     void clearingUserEntriesAnnouncesRowByRow();
+    void clearedRowsAreGoneBetweenTheAnnouncements();
     void clearingAnnouncesAllRowsOnce();
     void clearingAnEmptyListEmitsNothing();
 
@@ -422,6 +423,26 @@ void TestBadpixelListModel::clearingUserEntriesAnnouncesRowByRow()
     model.clearUserBadpixelList();
     QCOMPARE(ranges(removed), (QStringList{"0-0", "0-0", "1-1"}));
     QCOMPARE(rowTexts(model), QStringList{"3 3 factory"});
+}
+
+void TestBadpixelListModel::clearedRowsAreGoneBetweenTheAnnouncements()
+{
+    std::vector<Badpixel> list = randomEntries(300);
+    BadpixelListModel model;
+    BadpixelListModelPeer::append(model, list);
+    connect(&model, &QAbstractItemModel::rowsRemoved, [&](const QModelIndex &, int row) {
+        list.erase(list.begin() + row);
+        QCOMPARE(model.rowCount(), static_cast<int>(list.size()));
+        for (int i = 0; i < model.rowCount(); ++i) {
+            QCOMPARE(model.badpixel(i).x, list[static_cast<std::size_t>(i)].x);
+        }
+    });
+    model.clearUserBadpixelList();
+    const auto isUser = [](const Badpixel &entry) { return entry.pixelclass == User; };
+    QVERIFY(!list.empty());
+    QVERIFY(std::none_of(list.begin(), list.end(), isUser));
+    QVERIFY(model.addBadpixel({1, 2}));
+    QCOMPARE(model.findBadpixel(1, 2, 1).row(), static_cast<int>(list.size()));
 }
 
 void TestBadpixelListModel::clearingAnnouncesAllRowsOnce()
