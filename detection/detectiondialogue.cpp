@@ -88,7 +88,7 @@ void DetectionDialogue::addDetectedPixel(int count)
     if (closed)
         return;
     detectedCount += count;
-    countLabel->setText(QStringLiteral("Hot pixel detected: %1").arg(detectedCount));
+    countLabel->setText("Hot pixel detected: " + QString::number(detectedCount));
 }
 
 void DetectionDialogue::showEvent(QShowEvent *event)
@@ -132,6 +132,7 @@ QGroupBox *DetectionDialogue::createProgress()
     statusLabel = createLabel(StatusLines);
     progressBar = new QProgressBar;
     countLabel = new QLabel(tr("Hot pixel detected: 0"));
+    countLabel->setTextFormat(Qt::PlainText); // or each count would be searched for markup
     messageLabel = createLabel(MessageLines);
     messageLabel->setWordWrap(true);
     auto *box = new QGroupBox(tr("Detection"));
