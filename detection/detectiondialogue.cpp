@@ -88,7 +88,7 @@ void DetectionDialogue::addDetectedPixel(int count)
     if (closed)
         return;
     detectedCount += count;
-    countLabel->setText("Hot pixel detected: " + QString::number(detectedCount));
+    countLabel->setText(QStringLiteral("Hot pixel detected: %1").arg(detectedCount));
 }
 
 void DetectionDialogue::showEvent(QShowEvent *event)
