@@ -14,11 +14,16 @@
 #include <QPen>
 #include <QScrollBar>
 
+#include <cstddef>
+#include <cstring>
+#include <limits>
+
 namespace {
 
 // Radii in image pixels: circles grow and shrink with the zoom.
 constexpr int EntryRadius = 4;
 constexpr int SelectionRadius = 6;
+constexpr int EntryPenWidth = 1;
 constexpr int SelectionPenWidth = 3;
 constexpr double CrossHairOpacity = 0.3;
 
@@ -33,9 +38,22 @@ constexpr int FrameWidth = 2;
 
 constexpr double ToFit = 0.0;
 
-QRect circleRound(const Badpixel &entry, int radius)
+// Qt counts the bits of a row in an int: wider frames cannot be converted to 32 bits, so none is shown.
+constexpr int LargestWidth = std::numeric_limits<int>::max() / 32;
+
+/// Whether a frame can be shown as it is.
+bool isPlain(const QImage &frame)
 {
-    return QRect(QPoint(entry.x - radius, entry.y - radius), QPoint(entry.x + radius, entry.y + radius));
+    return frame.format() == QImage::Format_RGB32 ||
+           (frame.format() == QImage::Format_Indexed8 && frame.colorCount() == 0);
+}
+
+/// Between images of one size and format, whose rows may be padded differently.
+void copyPixels(const QImage &from, QImage &to)
+{
+    const auto rowBytes = static_cast<std::size_t>(from.width()) * static_cast<std::size_t>(from.depth() / 8);
+    for (int y = 0; y < from.height(); ++y)
+        std::memcpy(to.scanLine(y), from.constScanLine(y), rowBytes);
 }
 
 QColor classColour(int pixelclass)
@@ -60,6 +78,8 @@ void moveBar(QScrollBar *bar, int step)
 DisplayWidget::DisplayWidget(QWidget *parent)
     : QScrollArea(parent)
     , imageLabel(new QLabel)
+    , entryCircles(EntryRadius, EntryPenWidth)
+    , selectionCircles(SelectionRadius, SelectionPenWidth)
 {
     imageLabel->setBackgroundRole(QPalette::Base);
     imageLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
@@ -75,8 +95,12 @@ DisplayWidget::~DisplayWidget()
 
 void DisplayWidget::setImage(QImage newImage)
 {
-    // Assigning would share the camera's buffer, which is gone after the call.
-    image = newImage.copy();
+    if (!isPlain(newImage))
+        image = newImage.convertToFormat(QImage::Format_RGB32);
+    else if (image.size() == newImage.size() && image.format() == newImage.format())
+        copyPixels(newImage, image); // into the memory of the last frame
+    else
+        image = newImage.copy(); // assigning would share the camera's buffer, which is gone after the call
     redrawImage();
 }
 
@@ -84,96 +108,123 @@ void DisplayWidget::clear()
 {
     imageLabel->clear();
     shownSize = QSize();
+    unscaled = ScaledPicture();
+    scaled = ScaledPicture();
 }
 
 void DisplayWidget::redrawImage()
 {
-    QImage picture = freshPicture();
-    if (picture.isNull())
+    if (image.isNull() || image.width() > LargestWidth)
         return;
-    if (highlight)
-        paintOverlays(picture);
-    const QImage scaled = scaledForView(picture);
-    shownSize = scaled.size();
-    imageLabel->setPixmap(QPixmap::fromImage(scaled));
+    // Overlays are drawn in image pixels and grow with them. Where they shrink, only those of their pixels
+    // that stay need to be drawn.
+    const bool drawnUnscaled = scale >= SmallestCrossHairScale; // before it may be halved
+    if (!drawnUnscaled)
+        unscaled = ScaledPicture();
+    else if (!draw(unscaled, image.size()))
+        return;
+    const QImage picture = pictureForView();
+    shownSize = picture.size();
+    imageLabel->setPixmap(QPixmap::fromImage(picture));
     imageLabel->adjustSize();
 }
 
-/// The frame in 32 bits, to be painted on. Frames without a colour table come out grey.
-QImage DisplayWidget::freshPicture() const
+/// The picture at the present scale; at half of it, kept from now on, when that cannot be made. Null when
+/// neither can.
+QImage DisplayWidget::pictureForView()
 {
-    // Converting a 32-bit frame would hand out the kept frame itself. A painter detaches it, but what is
-    // to be painted on is copied here in so many words.
-    if (image.format() == QImage::Format_RGB32)
-        return image.copy();
-    return image.convertToFormat(QImage::Format_RGB32);
+    const QSize room = scale == ToFit ? size() - QSize(FrameWidth, FrameWidth) : sizeAtScale();
+    QImage picture = pictureWithin(room);
+    if (!picture.isNull())
+        return picture;
+    scale /= 2;
+    picture = pictureWithin(sizeAtScale());
+    emit scaleChanged(scale);
+    return picture;
 }
 
-void DisplayWidget::paintOverlays(QImage &picture) const
+QSize DisplayWidget::sizeAtScale() const
 {
-    QPainter painter(&picture);
-    drawCrossHair(painter, picture.size());
-    painter.setRenderHint(QPainter::Antialiasing);
-    drawEntries(painter);
-    drawSelection(painter);
+    return QSize(truncated(image.width() * scale), truncated(image.height() * scale));
 }
 
-void DisplayWidget::drawCrossHair(QPainter &painter, const QSize &imageSize) const
+/// The largest picture of the frame's aspect ratio in this room, of the unscaled one if that is drawn.
+QImage DisplayWidget::pictureWithin(const QSize &room)
+{
+    if (room.isEmpty())
+        return QImage();
+    const QSize size = image.size().scaled(room, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+    if (size == unscaled.pixels.size()) {
+        scaled = ScaledPicture();
+        return unscaled.pixels;
+    }
+    if (unscaled.pixels.isNull())
+        draw(scaled, size);
+    else if (makeRoom(scaled, size))
+        scaleInto(scaled.pixels, unscaled.pixels, scaled.sampling);
+    return scaled.pixels;
+}
+
+/// Makes a picture ready to be drawn on. The label lets go of it, so that its memory can serve again.
+bool DisplayWidget::makeRoom(ScaledPicture &picture, const QSize &size)
+{
+    if (picture.pixels.size() == size)
+        imageLabel->clear();
+    return picture.makeRoom(image.size(), size);
+}
+
+/// Draws the frame in this size and what is highlighted in it. @return false when there is no memory for it
+bool DisplayWidget::draw(ScaledPicture &picture, const QSize &size)
+{
+    if (!makeRoom(picture, size))
+        return false;
+    scaleInto(picture.pixels, image, picture.sampling);
+    if (highlight)
+        drawOverlays(picture);
+    return true;
+}
+
+void DisplayWidget::drawOverlays(ScaledPicture &picture)
+{
+    drawCrossHair(picture.pixels);
+    drawEntries(picture);
+    drawSelection(picture);
+}
+
+void DisplayWidget::drawCrossHair(QImage &picture) const
 {
     const int x = magnifierPosition.x();
     const int y = magnifierPosition.y();
     if (scale < SmallestCrossHairScale || x == -1 || y == -1)
         return;
+    QPainter painter(&picture);
     painter.setPen(QPen(Qt::red, 0));
     painter.setOpacity(CrossHairOpacity);
-    painter.drawLine(x, 0, x, imageSize.height());
-    painter.drawLine(0, y, imageSize.width(), y);
-    painter.setOpacity(1.0);
+    painter.drawLine(x, 0, x, picture.height());
+    painter.drawLine(0, y, picture.width(), y);
 }
 
-void DisplayWidget::drawEntries(QPainter &painter) const
+void DisplayWidget::drawEntries(ScaledPicture &picture)
 {
     if (!listModel)
         return;
     for (int row = 0; row < listModel->rowCount(); ++row) {
         const Badpixel entry = listModel->badpixel(row);
-        painter.setPen(classColour(entry.pixelclass));
-        painter.drawEllipse(circleRound(entry, EntryRadius));
+        entryCircles.add(QPoint(entry.x, entry.y), classColour(entry.pixelclass).rgb());
     }
+    entryCircles.print(picture);
 }
 
-void DisplayWidget::drawSelection(QPainter &painter) const
+void DisplayWidget::drawSelection(ScaledPicture &picture)
 {
     if (!listModel || !selectionModel || !selectionModel->hasSelection())
         return;
     const QModelIndex selected = selectionModel->selectedIndexes().value(0);
     if (!selected.isValid() || selected.row() >= listModel->rowCount())
         return;
-    painter.setPen(QPen(Qt::blue, SelectionPenWidth));
-    painter.drawEllipse(circleRound(listModel->badpixel(selected.row()), SelectionRadius));
-}
-
-/// The size that a picture of this size may take in the view, before its aspect ratio is kept.
-QSize DisplayWidget::viewSize(const QSize &imageSize) const
-{
-    if (scale == ToFit)
-        return size() - QSize(FrameWidth, FrameWidth);
-    return QSize(truncated(imageSize.width() * scale), truncated(imageSize.height() * scale));
-}
-
-/// The picture at the present scale; at half of it, kept from now on, when that cannot be made. Null when
-/// neither can.
-QImage DisplayWidget::scaledForView(const QImage &picture)
-{
-    // Nearest neighbour keeps single hot pixels sharp.
-    QImage scaled = picture.scaled(viewSize(picture.size()), Qt::KeepAspectRatio, Qt::FastTransformation);
-    if (!scaled.isNull())
-        return scaled;
-    scale /= 2;
-    const QSize halved(truncated(picture.width() * scale), truncated(picture.height() * scale));
-    scaled = picture.scaled(halved, Qt::KeepAspectRatio, Qt::FastTransformation);
-    emit scaleChanged(scale);
-    return scaled;
+    const Badpixel entry = listModel->badpixel(selected.row());
+    selectionCircles.add(QPoint(entry.x, entry.y), QColor(Qt::blue).rgb());
+    selectionCircles.print(picture);
 }
 
 void DisplayWidget::mousePressEvent(QMouseEvent *event)

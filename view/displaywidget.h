@@ -2,7 +2,9 @@
 // The view of the live image with the hot pixels drawn over it.
 #pragma once
 
+#include "circleprinter.h"
 #include "imageinfo.h"
+#include "sampling.h"
 
 #include <QImage>
 #include <QPoint>
@@ -13,7 +15,6 @@
 class BadpixelListModel;
 class QItemSelectionModel;
 class QLabel;
-class QPainter;
 
 /// Shows the last frame at a zoom factor, with circles round the hot pixels, and turns clicks into a
 /// selection or a position. Two coordinate systems meet here: image pixels, (0, 0) being the frame's top
@@ -69,13 +70,15 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    QImage freshPicture() const;
-    void paintOverlays(QImage &picture) const;
-    void drawCrossHair(QPainter &painter, const QSize &imageSize) const;
-    void drawEntries(QPainter &painter) const;
-    void drawSelection(QPainter &painter) const;
-    QSize viewSize(const QSize &imageSize) const;
-    QImage scaledForView(const QImage &picture);
+    QImage pictureForView();
+    QSize sizeAtScale() const;
+    QImage pictureWithin(const QSize &room);
+    bool makeRoom(ScaledPicture &picture, const QSize &size);
+    bool draw(ScaledPicture &picture, const QSize &size);
+    void drawOverlays(ScaledPicture &picture);
+    void drawCrossHair(QImage &picture) const;
+    void drawEntries(ScaledPicture &picture);
+    void drawSelection(ScaledPicture &picture);
     void clickAt(const QPoint &viewportPoint);
     bool findImagePixel(const QPoint &viewPoint, QPoint *imagePixel) const;
     void selectRow(const QModelIndex &entry);
@@ -83,7 +86,11 @@ private:
 
     QPointer<QLabel> imageLabel; // owned: made without a parent, deleted by the destructor
     QImage image;                // the last frame, unscaled and undrawn, in memory of its own
+    ScaledPicture unscaled;      // drawn on from full scale on; shown as it is or enlarged
+    ScaledPicture scaled;        // enlarged from that, or drawn on below full scale
     QSize shownSize;             // of the picture in the label, in view pixels; empty while none is shown
+    CirclePrinter entryCircles;
+    CirclePrinter selectionCircles;
     ImageInfo bufferInfo;
     BadpixelListModel *listModel = nullptr;
     bool highlight = false;

@@ -3,11 +3,13 @@
 #include "displaywidget.h"
 
 #include "hotpixels/badpixellistmodelpeer.h"
+#include "plainview.h"
 
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QPainter>
 #include <QPointer>
+#include <QRandomGenerator>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QStandardItemModel>
@@ -16,6 +18,7 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 using Preparation = std::function<void(DisplayWidget &)>;
@@ -59,6 +62,47 @@ QImage frameWithLine(const QRect &line)
     return frame;
 }
 
+/// Any shade or colour anywhere.
+QImage noiseFrame(QRandomGenerator &random, const QSize &size, QImage::Format format)
+{
+    QImage frame(size, format);
+    for (int y = 0; y < size.height(); ++y) {
+        std::generate_n(frame.scanLine(y), frame.bytesPerLine(),
+                        [&random] { return static_cast<uchar>(random.generate()); });
+    }
+    return frame;
+}
+
+QSize randomSize(QRandomGenerator &random, int largestSide)
+{
+    const int width = random.bounded(1, largestSide + 1);
+    return QSize(width, random.bounded(1, largestSide + 1));
+}
+
+QString inWords(const QSize &size)
+{
+    return QStringLiteral("%1 x %2").arg(size.width()).arg(size.height());
+}
+
+/// Where two pictures first differ; empty where they are the same.
+QString difference(const QImage &picture, const QImage &expected)
+{
+    if (picture.size() != expected.size())
+        return inWords(picture.size()) + QStringLiteral(" instead of ") + inWords(expected.size());
+    for (int y = 0; y < expected.height(); ++y) {
+        for (int x = 0; x < expected.width(); ++x) {
+            if (picture.pixel(x, y) != expected.pixel(x, y))
+                return QStringLiteral("pixel %1, %2").arg(x).arg(y);
+        }
+    }
+    return QString();
+}
+
+QImage pictureIn(const QLabel &label)
+{
+    return label.pixmap(Qt::ReturnByValue).toImage().convertToFormat(QImage::Format_RGB32);
+}
+
 QPoint clickedPixel(const QSignalSpy &spy)
 {
     return spy.count() == 1 ? spy.first().first().toPoint() : QPoint(-1000, -1000);
@@ -84,6 +128,7 @@ private slots:
     void clearKeepsTheFrame();
     void settersDoNotRedraw();
     void theFrameOutlivesItsBuffer();
+    void aFrameLikeTheLastOutlivesItsBuffer();
     void a32BitFrameIsNeverDrawnInto();
 
     void anEntryAtTheOriginIsClippedNotMoved();
@@ -107,6 +152,14 @@ private slots:
     void aPictureTooLargeHalvesTheScale();
     void aPictureStillTooLargeIsHalvedOnlyOnce();
     void aFitIntoNothingReportsScaleZero();
+
+    void looksLikeThePlainView_data();
+    void looksLikeThePlainView();
+    void looksLikeThePlainViewAtEveryPlaceOfASmallFrame();
+    void looksLikeThePlainViewAfterEveryChange();
+    void aPictureThatSomebodyKeepsIsNotDrawnOver();
+    void aPictureWiderThanQtScalesShowsTheFrameUpToItsEnd();
+    void aFrameTooWideFor32BitsLeavesTheViewAsItWas();
 
     void aClickAddressesThePixelUnderIt_data();
     void aClickAddressesThePixelUnderIt();
@@ -134,6 +187,8 @@ private:
     void clickLabel(const QPoint &viewPoint) { QTest::mouseClick(label(), Qt::LeftButton, {}, viewPoint); }
     void send(QEvent::Type type, const QPoint &viewportPoint, Qt::MouseButtons buttons);
     void showLargeFrame();
+    void prepare(PlainView &plain, double scale, const QPoint &magnifierPosition);
+    void plantEntries(QRandomGenerator &random, int count, const QSize &size);
 
     std::unique_ptr<DisplayWidget> view;
     std::unique_ptr<BadpixelListModel> list;
@@ -160,7 +215,7 @@ void TestDisplayWidget::cleanup()
 
 QImage TestDisplayWidget::shown() const
 {
-    return label()->pixmap(Qt::ReturnByValue).toImage().convertToFormat(QImage::Format_RGB32);
+    return pictureIn(*label());
 }
 
 QImage TestDisplayWidget::shownFor(const QImage &frame)
@@ -287,6 +342,20 @@ void TestDisplayWidget::theFrameOutlivesItsBuffer()
     QCOMPARE(before.pixel(5, 5), qRgb(77, 77, 77));
     std::fill(buffer->begin(), buffer->end(), uchar(200));
     buffer.reset();
+    view->redrawImage();
+    QCOMPARE(shown(), before);
+}
+
+void TestDisplayWidget::aFrameLikeTheLastOutlivesItsBuffer()
+{
+    // Rows of 30 bytes, where Qt's own would be padded.
+    std::vector<uchar> buffer(30 * 20, uchar(77));
+    const QImage frame(buffer.data(), 30, 20, 30, QImage::Format_Indexed8);
+    view->setImage(frame);
+    std::fill(buffer.begin(), buffer.end(), uchar(99));
+    const QImage before = shownFor(frame);
+    QCOMPARE(before.pixel(29, 19), qRgb(99, 99, 99));
+    std::fill(buffer.begin(), buffer.end(), uchar(200));
     view->redrawImage();
     QCOMPARE(shown(), before);
 }
@@ -547,6 +616,165 @@ void TestDisplayWidget::aFitIntoNothingReportsScaleZero()
     QCOMPARE(changed.count(), 1);
     QCOMPARE(changed.first().first().toDouble(), 0.0);
     QVERIFY(label()->pixmap(Qt::ReturnByValue).isNull());
+}
+
+void TestDisplayWidget::prepare(PlainView &plain, double scale, const QPoint &magnifierPosition)
+{
+    view->setScale(scale);
+    view->updateMagnifierPosition(magnifierPosition);
+    plain.list = list.get();
+    plain.selection = selection.get();
+    plain.highlight = true;
+    plain.scale = scale;
+    plain.magnifierPosition = magnifierPosition;
+    plain.room = view->size() - QSize(2, 2);
+}
+
+/// Entries of all classes in and beside a frame of this size, many on the same places; one is selected.
+void TestDisplayWidget::plantEntries(QRandomGenerator &random, int count, const QSize &size)
+{
+    selection->clear();
+    list->clearBadpixelList();
+    std::vector<Badpixel> entries;
+    for (int i = 0; i < count; ++i) {
+        const int x = random.bounded(size.width() + 20);
+        const int y = random.bounded(size.height() + 20);
+        entries.push_back({static_cast<std::uint16_t>(x), static_cast<std::uint16_t>(y),
+                           static_cast<std::uint8_t>(random.bounded(4))});
+    }
+    BadpixelListModelPeer::append(*list, entries);
+    if (count > 0) {
+        selection->select(list->index(random.bounded(count), 0),
+                          QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    }
+}
+
+void TestDisplayWidget::looksLikeThePlainView_data()
+{
+    QTest::addColumn<QImage::Format>("format");
+    QTest::addColumn<double>("scale");
+    QTest::addColumn<int>("largestSide");
+    const std::vector<std::pair<const char *, QImage::Format>> formats{{"grey", QImage::Format_Indexed8},
+                                                                       {"32 bits", QImage::Format_RGB32},
+                                                                       {"alpha", QImage::Format_ARGB32}};
+    for (const auto &format : formats) {
+        for (const double scale : {0.0, 0.25, 0.37, 0.5, 1.0, 1.37, 2.0, 4.0})
+            QTest::addRow("%s, scale %.2f", format.first, scale) << format.second << scale << 300;
+    }
+    QTest::newRow("tiny") << QImage::Format_Indexed8 << 1.0 << 12;
+    QTest::newRow("tiny, enlarged") << QImage::Format_Indexed8 << 4.0 << 12;
+    QTest::newRow("tiny, to fit") << QImage::Format_Indexed8 << 0.0 << 12;
+    QTest::newRow("large, to fit") << QImage::Format_Indexed8 << 0.0 << 3000;
+    QTest::newRow("large, half") << QImage::Format_Indexed8 << 0.5 << 3000;
+}
+
+/// Frames, lists, places and view sizes by the dice, each the same in every run.
+void TestDisplayWidget::looksLikeThePlainView()
+{
+    QFETCH(QImage::Format, format);
+    QFETCH(double, scale);
+    QFETCH(int, largestSide);
+    QRandomGenerator random(1);
+    const int rounds = largestSide > 1000 ? 4 : 12;
+    for (int round = 0; round < rounds; ++round) {
+        const QSize size = randomSize(random, largestSide);
+        view->resize(randomSize(random, 500) + QSize(2, 2));
+        plantEntries(random, random.bounded(300), size);
+        PlainView plain;
+        prepare(plain, scale,
+                QPoint(random.bounded(-1, size.width() + 3), random.bounded(size.height() + 3)));
+        const QImage frame = noiseFrame(random, size, format);
+        plain.setImage(frame);
+        const QString where = difference(shownFor(frame), pictureIn(plain.shownIn()));
+        QVERIFY2(where.isEmpty(), qPrintable(where + QStringLiteral(" of a frame of ") + inWords(size)));
+    }
+}
+
+void TestDisplayWidget::looksLikeThePlainViewAtEveryPlaceOfASmallFrame()
+{
+    QRandomGenerator random(2);
+    const QImage frame = noiseFrame(random, QSize(23, 19), QImage::Format_Indexed8);
+    PlainView plain;
+    prepare(plain, 1.0, QPoint(-1, -1));
+    view->setImage(frame);
+    plain.setImage(frame);
+    for (std::uint16_t y = 0; y < frame.height() + 10; ++y) {
+        for (std::uint16_t x = 0; x < frame.width() + 10; ++x) {
+            list->clearBadpixelList();
+            addUserEntry(x, y);
+            selection->select(list->index(0, 0), QItemSelectionModel::ClearAndSelect);
+            view->redrawImage();
+            plain.redrawImage();
+            const QString where = difference(shown(), pictureIn(plain.shownIn()));
+            QVERIFY2(where.isEmpty(), qPrintable(QStringLiteral("%1, %2: ").arg(x).arg(y) + where));
+        }
+    }
+}
+
+void TestDisplayWidget::looksLikeThePlainViewAfterEveryChange()
+{
+    QRandomGenerator random(3);
+    const QSize sizes[] = {QSize(90, 70), QSize(90, 70), QSize(70, 90), QSize(131, 17)};
+    const QImage::Format formats[] = {QImage::Format_Indexed8, QImage::Format_RGB32, QImage::Format_Mono};
+    const double scales[] = {0.0, 0.5, 1.0, 2.0};
+    PlainView plain;
+    for (int round = 0; round < 150; ++round) {
+        prepare(plain, scales[random.bounded(4)], QPoint(random.bounded(-1, 90), random.bounded(-1, 90)));
+        plantEntries(random, random.bounded(40), sizes[random.bounded(4)]);
+        plain.highlight = random.bounded(4) > 0;
+        view->setHighlight(plain.highlight);
+        if (round == 0 || random.bounded(3) > 0) {
+            const QImage frame = noiseFrame(random, sizes[random.bounded(4)], formats[random.bounded(3)]);
+            view->setImage(frame);
+            plain.setImage(frame);
+        } else {
+            view->redrawImage();
+            plain.redrawImage();
+        }
+        const QString where = difference(shown(), pictureIn(plain.shownIn()));
+        QVERIFY2(where.isEmpty(), qPrintable(QStringLiteral("round %1: ").arg(round) + where));
+        if (random.bounded(10) == 0)
+            view->clear();
+    }
+}
+
+void TestDisplayWidget::aPictureThatSomebodyKeepsIsNotDrawnOver()
+{
+    view->setImage(gradientFrame());
+    const QPixmap kept = label()->pixmap(Qt::ReturnByValue);
+    const QImage before = kept.toImage().copy();
+    view->setImage(blackFrame());
+    QCOMPARE(shown(), black32());
+    QCOMPARE(kept.toImage(), before);
+}
+
+void TestDisplayWidget::aPictureWiderThanQtScalesShowsTheFrameUpToItsEnd()
+{
+    QImage frame(9000, 2, QImage::Format_Indexed8);
+    frame.fill(30);
+    frame.scanLine(1)[8999] = 200;
+    view->setScale(4.0);
+    const QImage picture = shownFor(frame);
+    QCOMPARE(picture.size(), QSize(36000, 8));
+    QCOMPARE(picture.pixel(35995, 7), qRgb(30, 30, 30));
+    QCOMPARE(picture.pixel(35996, 7), qRgb(200, 200, 200));
+    QCOMPARE(picture.pixel(35999, 7), qRgb(200, 200, 200));
+    QCOMPARE(picture.pixel(35999, 3), qRgb(30, 30, 30));
+}
+
+void TestDisplayWidget::aFrameTooWideFor32BitsLeavesTheViewAsItWas()
+{
+    const QImage before = shownFor(gradientFrame());
+    QSignalSpy changed(view.get(), &DisplayWidget::scaleChanged);
+    QImage wide(70000000, 1, QImage::Format_Indexed8);
+    wide.fill(9);
+    QVERIFY(wide.convertToFormat(QImage::Format_RGB32).isNull());
+    for (const double scale : {1.0, 0.25, 0.0}) {
+        view->setScale(scale);
+        view->setImage(wide);
+        QCOMPARE(shown(), before);
+    }
+    QVERIFY(changed.isEmpty());
 }
 
 void TestDisplayWidget::aClickAddressesThePixelUnderIt_data()
