@@ -110,6 +110,7 @@ bool Tour::play()
     listCameras();
     openCamera();
     turnSettings();
+    detectInLight();
     coverSensor();
     detect();
     compareWithTruth();
@@ -196,6 +197,32 @@ void Tour::turnSettings()
     check(WindowDriver::waitFor([&] { return greyAt(pixel) < before + 20; }), "and as it was");
 }
 
+void Tour::detectInLight()
+{
+    tell("Starting a detection without the lens cap.");
+    const int before = driver->badpixelTable()->model()->rowCount();
+    WindowDriver::whenModal([this](QWidget *dialogue) {
+        const auto *buttons = dialogue->findChild<QDialogButtonBox *>();
+        closeBoxAbove(dialogue);
+        buttons->button(QDialogButtonBox::Ok)->click();
+        check(WindowDriver::waitFor([=] { return buttons->isEnabled(); }),
+              "the window says that there is light");
+        qobject_cast<QDialog *>(dialogue)->reject();
+    });
+    driver->trigger("detectAction");
+    check(driver->badpixelTable()->model()->rowCount() == before, "nothing is listed");
+}
+
+void Tour::closeBoxAbove(QWidget *dialogue)
+{
+    WindowDriver::whenModal([=](QWidget *modal) {
+        if (modal == dialogue)
+            return closeBoxAbove(dialogue); // no box yet: look again
+        takePicture("light");
+        modal->close();
+    });
+}
+
 void Tour::coverSensor()
 {
     tell("The lens cap goes on.");
@@ -263,10 +290,17 @@ void Tour::reviewEntry()
     tell("Looking at one entry at 2:1.");
     driver->trigger("zoom2to1Action");
     waitForFrames(2);
-    driver->badpixelTable()->selectRow(static_cast<int>(kelvosim::factoryList(Serial).size()) + 1);
+    selectOwnEntry();
     check(driver->action("deleteBadpixelAction")->isEnabled(), "the user's own entry can be deleted");
     waitForFrames(2);
     takePicture("entry");
+}
+
+/// An entry that was selected already is gone to again, which brings it into view.
+void Tour::selectOwnEntry()
+{
+    driver->badpixelTable()->clearSelection();
+    driver->badpixelTable()->selectRow(static_cast<int>(kelvosim::factoryList(Serial).size()) + 1);
 }
 
 /// Walks the focus away from the entry and back with the arrow keys.
@@ -282,6 +316,8 @@ void Tour::lookThroughMagnifier()
     check(focus == beside - QPoint(1, 0), "arrow keys move the focus pixel by pixel");
     QObject::disconnect(following);
     driver->trigger("zoom4to1Action");
+    waitForFrames(2);
+    selectOwnEntry();
     waitForFrames(2);
     takePicture("magnifier");
     driver->trigger("zoom1to1Action");

@@ -29,11 +29,14 @@ private:
     void listCameras();
     void openCamera();
     void turnSettings();
+    void detectInLight();
+    void closeBoxAbove(QWidget *dialogue);
     void coverSensor();
     void detect();
     void watchDetection(QWidget *dialogue);
     void compareWithTruth();
     void reviewEntry();
+    void selectOwnEntry();
     void lookThroughMagnifier();
     void addAndDelete();
     void writeList();

@@ -175,7 +175,12 @@ QPixmap WindowDriver::picture() const
 {
     QPixmap all = window.grab();
     QPainter painter(&all);
-    for (QWidget *top : QApplication::topLevelWidgets()) {
+    QWidgetList tops = QApplication::topLevelWidgets();
+    if (QWidget *modal = QApplication::activeModalWidget()) {
+        tops.removeOne(modal);
+        tops.append(modal); // it stands above whatever opened it
+    }
+    for (QWidget *top : tops) {
         if (top == &window || !top->isVisible() || !top->isWindow())
             continue;
         const QPixmap above = top->grab();
