@@ -181,6 +181,8 @@ void Tour::openCamera()
     check(WindowDriver::waitFor(
               [this] { return driver->cameraStatus(QString::fromStdString(Serial)) == "opened"; }),
           "the list shows it as opened");
+    check(WindowDriver::waitFor([this] { return !status("framesLabel").isEmpty(); }),
+          "the frames are counted");
     takePicture("live");
 }
 
@@ -292,6 +294,8 @@ void Tour::reviewEntry()
     waitForFrames(2);
     selectOwnEntry();
     check(driver->action("deleteBadpixelAction")->isEnabled(), "the user's own entry can be deleted");
+    check(WindowDriver::waitFor([this] { return status("userCountLabel") != "U: 0"; }),
+          "the user's entries are counted");
     waitForFrames(2);
     takePicture("entry");
 }
