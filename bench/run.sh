@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Builds the benchmarks in build-bench, runs them and prints a table: each one's own time and its ratios.
-# Arguments go to every benchmark program; run one by itself for all of its figures.
+# Arguments go to every benchmark program; run one by itself for all of its figures. SPECKMEND_BENCH_FOLDER names
+# another build folder of the release preset, in which most may be built already.
 
 source "$(dirname "${BASH_SOURCE[0]}")/../cmake/setup.sh"
 
+folder=${SPECKMEND_BENCH_FOLDER:-build-bench}
 need "${build_packages[@]}" libbenchmark-dev
-cmake --preset release -B build-bench -DSPECKMEND_BENCH=ON -DSPECKMEND_TESTS=OFF >/dev/null ||
-    fail "configuring the benchmarks failed."
-cmake --build build-bench --target benchmarks || fail "building the benchmarks failed."
+cmake --preset release -B "$folder" -DSPECKMEND_BENCH=ON >/dev/null || fail "configuring the benchmarks failed."
+cmake --build "$folder" --target benchmarks || fail "building the benchmarks failed."
 
 # A line for each benchmark of a program's CSV: counters with a stroke in their name are ratios.
 table() {
@@ -29,8 +30,8 @@ table() {
 printf '%-48s%15s   %s\n' benchmark time ratios
 for source in bench/bench_*.cpp; do
     name=$(basename "$source" .cpp)
-    "build-bench/bench/$name" --benchmark_format=csv "$@" 2>/dev/null | table "${name#bench_}" ||
-        fail "build-bench/bench/$name failed; it says why when it is run by itself."
+    "$folder/bench/$name" --benchmark_format=csv "$@" 2>/dev/null | table "${name#bench_}" ||
+        fail "$folder/bench/$name failed; it says why when it is run by itself."
 done
 # Not needed: it says itself what of its packages is missing.
 [ ! -x /usr/bin/python3 ] || bench/detection_numpy_opencv.py || fail "the comparison with numpy and OpenCV failed."
