@@ -71,7 +71,8 @@ make_copy() {
     tar --exclude=./.git --exclude='./build*' -cf - . | tar -C "$copy" -xf -
 }
 
-# On a display: runs a command in a process group of its own until its window is there.
+# On a display: runs a command in a process group of its own until its window is there. No tool waits for one, so it
+# is looked for again and again.
 until_window() {
     local title=$1 status=1 tries
     set -m
