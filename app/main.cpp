@@ -3,8 +3,8 @@
 
 #include "application.h"
 #include "mainwindow.h"
+#include "startfailure.h"
 
-#include <cstdio>
 #include <exception>
 
 int main(int argc, char **argv)
@@ -15,7 +15,9 @@ int main(int argc, char **argv)
         window.show();
         return Application::exec();
     } catch (const std::exception &failure) {
-        std::fprintf(stderr, "%s\n", failure.what());
+        printStartFailure(failure.what());
+        if (isSeenOnScreenAlone())
+            showStartFailure(failure.what());
         return 1;
     }
 }
