@@ -18,6 +18,7 @@
 #include <QScrollArea>
 #include <QStatusBar>
 #include <QtTest>
+#include <QToolBar>
 #include <QToolButton>
 #include <QWheelEvent>
 #include <QWindow>
@@ -84,10 +85,12 @@ void MonkeyInput::setWindow(QWidget *mainWindow)
 void MonkeyInput::releaseAll()
 {
     releaseAt({window, QPoint(1, 1)});
-    for (QDockWidget *dock : window->findChildren<QDockWidget *>()) {
+    for (QWidget *widget : window->findChildren<QWidget *>()) {
+        if (!qobject_cast<QDockWidget *>(widget) && !qobject_cast<QToolBar *>(widget))
+            continue;
         QMouseEvent event(QEvent::MouseButtonRelease, QPoint(1, 1), Qt::LeftButton, Qt::NoButton,
                           Qt::NoModifier);
-        QCoreApplication::sendEvent(dock, &event);
+        QCoreApplication::sendEvent(widget, &event);
     }
 }
 

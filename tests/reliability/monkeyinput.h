@@ -19,8 +19,9 @@ class MonkeyInput final
 public:
     void setWindow(QWidget *mainWindow);
 
-    /// Lets go of all buttons and docks. Before a dock is closed or raised: Qt forgets to free what it knows of
-    /// a drag, or uses it afterwards, and a person who drags one cannot do that.
+    /// Lets go of all buttons, docks and tool bars. Before a dock is closed or raised, and before the window
+    /// goes: Qt forgets to free what it knows of a drag, or uses it afterwards, and a person who drags one
+    /// cannot do that.
     void releaseAll();
 
     MonkeyKinds kinds();
