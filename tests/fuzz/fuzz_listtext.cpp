@@ -89,7 +89,7 @@ void requireAnEntryALine(const Entries &entries, const QStringList &lines)
 /// Without a stream too; only plain characters mean the same in every encoding.
 void requireLineCount(const Entries &entries, const QByteArray &input)
 {
-    const bool isPlain = std::all_of(input.begin(), input.end(), [](char c) { return c > 0; });
+    const bool isPlain = std::all_of(input.begin(), input.end(), [](signed char c) { return c > 0; });
     const bool isLastOpen = !input.isEmpty() && !input.endsWith('\n') && !input.endsWith('\r');
     if (isPlain && (isLastOpen || input.endsWith('\n') || input.isEmpty()))
         require(static_cast<int>(entries.size()) == input.count('\n') + isLastOpen,
