@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The program as it is started: on the simulated library, on another one, and what it says when it cannot.
 
-#include <QProcess>
+#include "childprocess.h"
+
 #include <QtTest>
 
 class TestProgram : public QObject
@@ -15,8 +16,8 @@ private slots:
 
 void TestProgram::itStartsOnTheSimulatedLibraryAndEndsWhenAsked()
 {
-    QProcess program;
-    program.start(PROGRAM, QStringList());
+    ChildProcess program;
+    program.startBuilt(PROGRAM);
     QVERIFY(program.waitForStarted());
     const QString ofProcess = QString("/proc/%1/maps").arg(program.processId());
     const auto loaded = [&] {
@@ -34,9 +35,9 @@ void TestProgram::anotherLibraryTakesThePlaceAndAFailureEndsTheProgramWithItsTex
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("LD_LIBRARY_PATH", FAILING_LIBRARY_FOLDER);
-    QProcess program;
+    ChildProcess program;
     program.setProcessEnvironment(environment);
-    program.start(PROGRAM, QStringList());
+    program.startBuilt(PROGRAM);
     QVERIFY(program.waitForFinished());
     QCOMPARE(program.exitStatus(), QProcess::NormalExit);
     QCOMPARE(program.exitCode(), 1);

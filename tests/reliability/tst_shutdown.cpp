@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The program is closed at any moment: it ends by itself and in good order, and says nothing.
 
+#include "childprocess.h"
+
 #include <QElapsedTimer>
-#include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -73,12 +74,12 @@ void TestShutdown::theProgramEndsWheneverItIsClosed()
     environment.insert("HOME", home.path());
     environment.insert("XDG_CONFIG_HOME", home.path());
     environment.insert("XDG_RUNTIME_DIR", home.path());
-    QProcess program;
+    ChildProcess program;
     program.setProcessEnvironment(environment);
     program.setWorkingDirectory(home.path());
     QElapsedTimer timer;
     timer.start();
-    program.start(CLOSING_PROGRAM, {moment, way});
+    program.startBuilt(CLOSING_PROGRAM, {moment, way});
     const bool ended = program.waitForFinished(HangNet);
     if (!ended)
         program.kill();

@@ -2,9 +2,9 @@
 // The German translation source holds every text of the program that is translated, and no other.
 
 #include "catalogue.h"
+#include "childprocess.h"
 
 #include <QFileInfo>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -74,7 +74,7 @@ QStringList TestExtraction::changes(const QStringList &arguments)
     QFile::remove(copy);
     if (!QFile::copy(GERMAN_SOURCE, copy))
         return {"the translation source cannot be copied"};
-    QProcess lupdate;
+    ChildProcess lupdate;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove("LD_PRELOAD"); // what a sanitizer needs is not for other programs
     lupdate.setProcessEnvironment(environment);
