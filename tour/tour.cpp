@@ -178,6 +178,7 @@ void Tour::openCamera()
     check(driver->selectCamera(QString::fromStdString(Serial)), "the camera is listed");
     driver->trigger("openCameraAction");
     check(waitForFrames(5), "live frames arrive");
+    check(WindowDriver::waitFor([this] { return !driver->shownImage().isNull(); }), "they are shown");
     check(WindowDriver::waitFor(
               [this] { return driver->cameraStatus(QString::fromStdString(Serial)) == "opened"; }),
           "the list shows it as opened");
