@@ -24,7 +24,15 @@ function(speckmend_test name)
   set_target_properties(tst_${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
   add_test(NAME ${folder}/${name} COMMAND tst_${name})
   speckmend_test_environment(${folder}/${name})
-  set_tests_properties(${folder}/${name} PROPERTIES TIMEOUT ${TEST_TIMEOUT} LABELS "${folder};${TEST_LABELS}")
+  speckmend_test_timeout(${folder}/${name} ${TEST_TIMEOUT})
+  set_tests_properties(${folder}/${name} PROPERTIES LABELS "${folder};${TEST_LABELS}")
+endfunction()
+
+# speckmend_test_timeout(test seconds): as long as a test may take on this machine; longer under an emulator.
+set(SPECKMEND_TIMEOUT_FACTOR 1 CACHE STRING "How many times as long as usual a test may take")
+function(speckmend_test_timeout test seconds)
+  math(EXPR seconds "${seconds} * ${SPECKMEND_TIMEOUT_FACTOR}")
+  set_tests_properties(${test} PROPERTIES TIMEOUT ${seconds})
 endfunction()
 
 # speckmend_test_environment(test [KEY=value...]): no display, settings and files of the test's own,
@@ -44,6 +52,11 @@ function(speckmend_test_environment test)
     "SPECKMEND_SOURCE_DIR=${CMAKE_SOURCE_DIR}")
   if(SPECKMEND_SANITIZE STREQUAL "thread")
     list(APPEND environment "LD_PRELOAD=$<TARGET_FILE:tsan_qt_order>")
+  endif()
+  if(CMAKE_CROSSCOMPILING)
+    math(EXPR function_timeout "300000 * ${SPECKMEND_TIMEOUT_FACTOR}") # milliseconds
+    list(APPEND environment "SPECKMEND_EMULATOR=${CMAKE_CROSSCOMPILING_EMULATOR}" ${SPECKMEND_EMULATOR_ENVIRONMENT}
+      "QTEST_FUNCTION_TIMEOUT=${function_timeout}")
   endif()
   set_tests_properties(${test} PROPERTIES ENVIRONMENT "${environment};${ARGN}")
 endfunction()
@@ -72,11 +85,12 @@ function(speckmend_test_on_x11 test)
     return() # the X server and its client library would be preloaded and watched as well
   endif()
   add_test(NAME ${test} COMMAND ${XVFB_RUN} -a -s "-screen 0 1600x1000x24"
-    ${wrapper} $<TARGET_FILE:${program}> ${TEST_COMMAND})
+    ${wrapper} ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${program}> ${TEST_COMMAND})
   speckmend_test_environment(${test})
   # The platform plug-in is unloaded before the leak check, so what it leaks has no name that a suppression
   # could give. Leaks of ours show without a display, where the same programs and the same way run.
   set_property(TEST ${test} APPEND PROPERTY ENVIRONMENT "QT_QPA_PLATFORM=xcb" "ASAN_OPTIONS=use_sigaltstack=0:detect_leaks=0")
   # Two servers that start at once may pick the same display number.
-  set_tests_properties(${test} PROPERTIES TIMEOUT 300 LABELS "x11" RESOURCE_LOCK xvfb)
+  speckmend_test_timeout(${test} 300)
+  set_tests_properties(${test} PROPERTIES LABELS "x11" RESOURCE_LOCK xvfb)
 endfunction()

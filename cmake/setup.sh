@@ -9,6 +9,7 @@ project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$project"
 
 build_packages=(g++ cmake ninja-build qtbase5-dev qttools5-dev-tools libpng-dev)
+armhf_packages=(g++-arm-linux-gnueabihf qemu-user)
 screen_packages=(xvfb xauth x11-utils openbox fonts-dejavu-core)
 
 fail() {
