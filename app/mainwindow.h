@@ -124,6 +124,7 @@ private:
     void connectLists();
     void connectView();
     void readSettings();
+    void fitToScreen();
     void writeSettings();
 
     QAction *addNamedAction(const char *name, const QString &text, const QString &icon = QString());

@@ -3,7 +3,10 @@
 
 #include "mainwindow.h"
 
+#include <QApplication>
+#include <QDesktopWidget>
 #include <QSettings>
+#include <QStyle>
 
 namespace {
 
@@ -38,8 +41,17 @@ private:
 void MainWindow::readSettings()
 {
     const WindowSettings settings;
-    restoreGeometry(settings.value("geometry"));
+    if (!restoreGeometry(settings.value("geometry")))
+        fitToScreen();
     restoreState(settings.value("state"), StateVersion);
+}
+
+/// A new window is as large as the form, or as a small screen lets it be: what lies beyond cannot be reached.
+void MainWindow::fitToScreen()
+{
+    const int frame = style()->pixelMetric(QStyle::PM_TitleBarHeight); // the frame comes with the first show
+    const QSize room = QApplication::desktop()->availableGeometry(this).size() - QSize(0, frame);
+    resize(size().boundedTo(room));
 }
 
 void MainWindow::writeSettings()

@@ -33,4 +33,8 @@ ParameterBlockWidget::ParameterBlockWidget(QWidget *parent)
     placeInRow(grid, 2, *mastergainControl);
     grid->setAlignment(Qt::AlignTop); // a tall dock leaves its space below the rows, not between them
     setLayout(grid);
+    QMargins margins = grid->contentsMargins(); // lower than usual: small screens have little height
+    margins.setTop(margins.top() / 2);
+    margins.setBottom(margins.bottom() / 2);
+    grid->setContentsMargins(margins);
 }

@@ -7,6 +7,7 @@
 #include "displaywidget.h"
 
 #include <QApplication>
+#include <QDockWidget>
 #include <QHeaderView>
 #include <QSignalSpy>
 #include <QStatusBar>
@@ -105,6 +106,9 @@ void TestConnection::withNoSelectionOpeningIsDisabledAndADoubleClickOnAnEmptyAre
     QTableView *table = bench.driver->cameraTable();
     table->clearSelection();
     QVERIFY(!bench.enabled("openCameraAction"));
+    for (const char *name : {"MagnifierDock", "CameraSliderDock"}) // their room is the table's
+        bench.window->findChild<QDockWidget *>(name)->close();
+    QTRY_VERIFY(table->viewport()->height() > 150);
     const QPoint empty(table->viewport()->width() / 2, table->viewport()->height() - 3);
     QVERIFY(!table->indexAt(empty).isValid());
     QTest::mouseDClick(table->viewport(), Qt::LeftButton, Qt::NoModifier, empty);
