@@ -120,8 +120,12 @@ void MainWindow::onSelectCameraRow(int row)
 
 void MainWindow::selectCameraRow(int row)
 {
-    if (cameraTable)
-        cameraTable->selectRow(row);
+    if (!cameraTable || row >= cameraList.rowCount())
+        return;
+    cameraTable->selectRow(row);
+    // From right to left, the table looks for the row's first cell beyond its edge and selects nothing.
+    if (!cameraSelection->isRowSelected(row, QModelIndex()))
+        cameraTable->setCurrentIndex(cameraList.index(row, 0));
 }
 
 /// Enables "Write" for the open camera even where it cannot store lists: the check after opening disables it,
