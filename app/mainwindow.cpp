@@ -39,6 +39,7 @@ void MainWindow::build()
     setWindowIcon(QIcon(":/res/main.ico"));
     form->centralWidget->layout()->setContentsMargins(0, 0, 0, 0);
     createSelectionModels();
+    prepareView();
     createActions();
     createMenus();
     connectActions();
@@ -129,6 +130,13 @@ void MainWindow::connectLists()
     // A sort moves other entries under the selected rows without telling the selection models.
     connect(&cameraList, &CameraListModel::layoutChanged, this, &MainWindow::updateCameraActions);
     connect(&badpixelList, &BadpixelListModel::layoutChanged, this, &MainWindow::onBadpixelListSorted);
+}
+
+/// What the form cannot say of the image view.
+void MainWindow::prepareView()
+{
+    // An image has no direction of reading: its left stays left, under scrolling and clicks too.
+    form->display->setLayoutDirection(Qt::LeftToRight);
 }
 
 void MainWindow::connectView()

@@ -108,6 +108,7 @@ private:
 
     // construction, in this order
     void createSelectionModels();
+    void prepareView();
     void createActions();
     void createCameraActions();
     void createHotpixelActions();
