@@ -135,6 +135,7 @@ void MainWindow::connectLists()
 /// What the form cannot say of the image view.
 void MainWindow::prepareView()
 {
+    form->display->setAccessibleName(tr("Live image"));
     // An image has no direction of reading: its left stays left, under scrolling and clicks too.
     form->display->setLayoutDirection(Qt::LeftToRight);
 }

@@ -133,6 +133,7 @@ private:
     QAction *createZoomAction(const char *name, const QString &text);
     QDockWidget *createDock(const QString &title, const char *name, QWidget *inner, QWidget *parent);
     void connectCameraSliders();
+    void prepareMagnifier();
     static void flipVisibility(QDockWidget *dock);
     static void compactRows(QTableView *table);
 

@@ -126,6 +126,10 @@ void MainWindow::createToolBar()
     // One plain click opens the zoom menu.
     if (auto *button = qobject_cast<QToolButton *>(bar->widgetForAction(zoomAction)))
         button->setPopupMode(QToolButton::InstantPopup);
+    for (QToolButton *button : bar->findChildren<QToolButton *>()) {
+        if (!button->defaultAction()) // opens what a narrow window has no room for
+            button->setAccessibleName(tr("More commands"));
+    }
 }
 
 void MainWindow::createFileMenu()

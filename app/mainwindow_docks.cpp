@@ -11,6 +11,7 @@
 #include <QDockWidget>
 #include <QHeaderView>
 #include <QMenu>
+#include <QSlider>
 
 namespace {
 
@@ -88,6 +89,7 @@ void MainWindow::createBadpixelListDock()
 void MainWindow::createMagnifierDock()
 {
     magnifierControl = new MagnifierControl;
+    prepareMagnifier();
     magnifierDock = createDock(tr("Magnifier"), "MagnifierDock", magnifierControl, this);
     magnifierDock->setAllowedAreas(SideAreas);
     const Magnifier *magnifier = magnifierControl->magnifier();
@@ -97,6 +99,14 @@ void MainWindow::createMagnifierDock()
     addDockWidget(Qt::LeftDockWidgetArea, magnifierDock);
     if (camera.isOpen())
         magnifierControl->magnifier()->setPosition(magnifierPosition);
+}
+
+/// The magnifier and its slider bear no text that a screen reader could read.
+void MainWindow::prepareMagnifier()
+{
+    magnifierControl->magnifier()->setAccessibleName(tr("Magnifier"));
+    if (auto *zoom = magnifierControl->findChild<QSlider *>())
+        zoom->setAccessibleName(tr("Magnification"));
 }
 
 /// The dock is gone, and the magnifier with it: from here on the window does without.

@@ -351,6 +351,18 @@ Tastenkürzel:
         <source>The image is too big and will be resized</source>
         <translation>Das Bild ist zu groß und wird verkleinert</translation>
     </message>
+    <message>
+        <source>Live image</source>
+        <translation>Livebild</translation>
+    </message>
+    <message>
+        <source>More commands</source>
+        <translation>Weitere Befehle</translation>
+    </message>
+    <message>
+        <source>Magnification</source>
+        <translation>Vergrößerung</translation>
+    </message>
 </context>
 <context>
     <name>ParameterBlockWidget</name>
