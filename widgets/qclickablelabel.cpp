@@ -4,6 +4,10 @@
 
 #include <QEvent>
 #include <QGuiApplication>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QStyle>
+#include <QStyleOptionFocusRect>
 
 QClickableLabel::HandCursor::HandCursor()
 {
@@ -19,8 +23,10 @@ QClickableLabel::QClickableLabel(QWidget *parent, bool isClickable)
     : QLabel(parent)
     , clickable(isClickable)
 {
-    if (clickable)
+    if (clickable) {
         setStyleSheet(QStringLiteral("QLabel { color : blue; text-decoration : underline; }"));
+        setFocusPolicy(Qt::TabFocus); // who can be clicked can be reached without a mouse
+    }
 }
 
 void QClickableLabel::setValue(int number)
@@ -34,6 +40,27 @@ void QClickableLabel::setValue(int number)
 void QClickableLabel::mouseReleaseEvent(QMouseEvent *)
 {
     emit clicked(value);
+}
+
+/// The keys that press a button. Nothing may follow here either.
+void QClickableLabel::keyPressEvent(QKeyEvent *event)
+{
+    const int key = event->key();
+    if (clickable && (key == Qt::Key_Space || key == Qt::Key_Enter || key == Qt::Key_Return))
+        emit clicked(value);
+    else
+        QLabel::keyPressEvent(event);
+}
+
+void QClickableLabel::paintEvent(QPaintEvent *event)
+{
+    QLabel::paintEvent(event);
+    if (!hasFocus())
+        return;
+    QStyleOptionFocusRect focus;
+    focus.initFrom(this);
+    QPainter painter(this);
+    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, this);
 }
 
 void QClickableLabel::enterEvent(QEvent *event)

@@ -6,8 +6,9 @@
 
 #include <memory>
 
-/// Reports every mouse release with its number. A clickable one looks like a link and shows the pointing hand
-/// while the mouse is over it; one that is not reports all the same. GUI thread only.
+/// Reports every mouse release with its number. A clickable one looks like a link, shows the pointing hand
+/// while the mouse is over it, and can be reached by Tab and pressed by key; one that is not reports a
+/// release all the same. GUI thread only.
 class QClickableLabel final : public QLabel
 {
     Q_OBJECT
@@ -19,11 +20,14 @@ public:
     void setValue(int value);
 
 signals:
-    /// The mouse was released over the label, whichever button it was; carries the number.
+    /// The mouse was released over the label, whichever button it was, or the link was pressed by Space or
+    /// Enter; carries the number.
     void clicked(int value);
 
 protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
     void enterEvent(QEvent *event) override;
     void leaveEvent(QEvent *event) override;
     void hideEvent(QHideEvent *event) override;

@@ -150,6 +150,13 @@ private slots:
     void mayBeDeletedByWhoeverIsTold_data();
     void mayBeDeletedByWhoeverIsTold();
 
+    void aLinkIsReachedByTabAndPressedByKey_data();
+    void aLinkIsReachedByTabAndPressedByKey();
+    void otherKeysPressNothing();
+    void aLabelThatIsNoLinkIsNotReachedByKey();
+    void theKeyThatPressesMayDeleteIt();
+    void aLinkShowsThatItHasTheKeyboard();
+
     void showsTheHandWhileTheMouseIsOverIt();
     void showsTheHandOnEveryVisit();
     void showsNoHandWhenNotClickable();
@@ -646,6 +653,71 @@ void TestQClickableLabel::theCursorOfAnotherLabelStaysWhenALateLeaveComes()
     QCOMPARE(cursors(), WithHand);
     sendLeave(&other);
     QCOMPARE(cursors(), Before);
+}
+
+void TestQClickableLabel::aLinkIsReachedByTabAndPressedByKey_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::newRow("space") << int(Qt::Key_Space);
+    QTest::newRow("return") << int(Qt::Key_Return);
+    QTest::newRow("enter") << int(Qt::Key_Enter);
+}
+
+void TestQClickableLabel::aLinkIsReachedByTabAndPressedByKey()
+{
+    QFETCH(int, key);
+    const LabelDialogue shown;
+    QVERIFY(shown.show());
+    shown.label->setValue(7);
+    QTest::keyClick(shown.dialogue.get(), Qt::Key_Tab);
+    QVERIFY(shown.label->hasFocus());
+    QSignalSpy clicked(shown.label, &QClickableLabel::clicked);
+    QTest::keyClick(shown.label, static_cast<Qt::Key>(key));
+    QCOMPARE(clicked.count(), 1);
+    QCOMPARE(clicked.first().first().toInt(), 7);
+    QVERIFY(shown.dialogue->isVisible()); // the key went no further
+}
+
+void TestQClickableLabel::otherKeysPressNothing()
+{
+    const LabelDialogue shown;
+    QVERIFY(shown.show());
+    shown.label->setFocus();
+    QSignalSpy clicked(shown.label, &QClickableLabel::clicked);
+    QTest::keyClick(shown.label, Qt::Key_A);
+    QTest::keyClick(shown.label, Qt::Key_Escape); // the dialogue's own
+    QCOMPARE(clicked.count(), 0);
+    QVERIFY(!shown.dialogue->isVisible());
+}
+
+void TestQClickableLabel::aLabelThatIsNoLinkIsNotReachedByKey()
+{
+    const LabelDialogue shown(false);
+    QVERIFY(shown.show());
+    QCOMPARE(shown.label->focusPolicy(), Qt::NoFocus);
+    QSignalSpy clicked(shown.label, &QClickableLabel::clicked);
+    QTest::keyClick(shown.label, Qt::Key_Space);
+    QCOMPARE(clicked.count(), 0);
+}
+
+void TestQClickableLabel::theKeyThatPressesMayDeleteIt()
+{
+    const LabelDialogue shown;
+    QVERIFY(shown.show());
+    connect(shown.label, &QClickableLabel::clicked, shown.dialogue.get(), [&] { delete shown.label; });
+    QTest::keyClick(shown.label, Qt::Key_Space);
+    QVERIFY(!shown.label);
+}
+
+void TestQClickableLabel::aLinkShowsThatItHasTheKeyboard()
+{
+    const LabelDialogue shown;
+    QVERIFY(shown.show());
+    shown.label->clearFocus();
+    const QImage without = shown.label->grab().toImage();
+    QTest::keyClick(shown.dialogue.get(), Qt::Key_Tab);
+    QVERIFY(shown.label->hasFocus());
+    QVERIFY(shown.label->grab().toImage() != without);
 }
 
 QTEST_MAIN(TestQClickableLabel)
