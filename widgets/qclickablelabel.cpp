@@ -54,6 +54,8 @@ void QClickableLabel::keyPressEvent(QKeyEvent *event)
 
 void QClickableLabel::paintEvent(QPaintEvent *event)
 {
+    if (clickable && parentWidget())
+        paintGround();
     QLabel::paintEvent(event);
     if (!hasFocus())
         return;
@@ -61,6 +63,18 @@ void QClickableLabel::paintEvent(QPaintEvent *event)
     focus.initFrom(this);
     QPainter painter(this);
     style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, this);
+}
+
+/// The blue of a link is lost on a dark window: there it stands on the colour of the texts round it.
+void QClickableLabel::paintGround()
+{
+    const QPalette &around = parentWidget()->palette();
+    const QColor ground = around.color(QPalette::WindowText);
+    if (ground.lightness() < around.color(QPalette::Window).lightness())
+        return;
+    const int aligned = QStyle::visualAlignment(layoutDirection(), alignment());
+    const QRect words = style()->itemTextRect(fontMetrics(), contentsRect(), aligned, isEnabled(), text());
+    QPainter(this).fillRect(words.adjusted(-1, -1, 1, 1), ground);
 }
 
 void QClickableLabel::enterEvent(QEvent *event)

@@ -34,6 +34,8 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
+    void paintGround();
+
     /// One place on the application's stack of override cursors, for as long as it lives.
     struct HandCursor
     {

@@ -156,6 +156,7 @@ private slots:
     void aLabelThatIsNoLinkIsNotReachedByKey();
     void theKeyThatPressesMayDeleteIt();
     void aLinkShowsThatItHasTheKeyboard();
+    void onADarkWindowALinkStandsOnALightGround();
 
     void showsTheHandWhileTheMouseIsOverIt();
     void showsTheHandOnEveryVisit();
@@ -718,6 +719,32 @@ void TestQClickableLabel::aLinkShowsThatItHasTheKeyboard()
     QTest::keyClick(shown.dialogue.get(), Qt::Key_Tab);
     QVERIFY(shown.label->hasFocus());
     QVERIFY(shown.label->grab().toImage() != without);
+}
+
+void TestQClickableLabel::onADarkWindowALinkStandsOnALightGround()
+{
+    const QColor light(240, 240, 235);
+    const QColor dark(40, 40, 45);
+    for (const bool isDark : {false, true}) {
+        const LabelDialogue shown;
+        QPalette palette;
+        palette.setColor(QPalette::Window, isDark ? dark : light);
+        palette.setColor(QPalette::WindowText, isDark ? light : dark);
+        shown.dialogue->setPalette(palette);
+        QVERIFY(shown.show());
+        QCOMPARE(shown.label->styleSheet(), QString("QLabel { color : blue; text-decoration : underline; }"));
+        const QImage picture = shown.dialogue->grab(shown.label->geometry().translated(20, 20)).toImage();
+        int lights = 0;
+        int darks = 0;
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x) {
+                lights += picture.pixelColor(x, y) == light;
+                darks += picture.pixelColor(x, y) == dark;
+            }
+        }
+        QVERIFY(lights > 100);       // behind the text
+        QCOMPARE(darks > 0, isDark); // beside it
+    }
 }
 
 QTEST_MAIN(TestQClickableLabel)
