@@ -6,6 +6,7 @@
 #include "ui_mainwindow.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QDockWidget>
 #include <QIcon>
 #include <QItemSelectionModel>
@@ -64,6 +65,7 @@ void MainWindow::takeDown()
 {
     if (magnifierDock)
         disconnect(magnifierDock.data(), nullptr, this, nullptr);
+    disconnect(qApp, nullptr, this, nullptr);
     delete cameraSelection;
     delete badpixelSelection;
     form.reset();
@@ -148,6 +150,7 @@ void MainWindow::connectView()
     connect(this, &MainWindow::magnifierPositionChanged, this, &MainWindow::updateStatusPosition);
     connect(this, &MainWindow::magnifierPositionChanged, form->display,
             &DisplayWidget::updateMagnifierPosition);
+    connect(qApp, &QApplication::focusChanged, this, &MainWindow::showFocused);
     connect(statisticsTimer, &QTimer::timeout, this, &MainWindow::updateStatus);
 }
 

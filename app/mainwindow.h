@@ -134,6 +134,7 @@ private:
     QDockWidget *createDock(const QString &title, const char *name, QWidget *inner, QWidget *parent);
     void connectCameraSliders();
     void prepareMagnifier();
+    static void showFocused(QWidget *before, QWidget *now);
     static void flipVisibility(QDockWidget *dock);
     static void compactRows(QTableView *table);
 

@@ -126,7 +126,9 @@ void MainWindow::createToolBar()
     // One plain click opens the zoom menu.
     if (auto *button = qobject_cast<QToolButton *>(bar->widgetForAction(zoomAction)))
         button->setPopupMode(QToolButton::InstantPopup);
+    // Most of these commands are in no menu. By Tab alone: a click leaves the keyboard where it was.
     for (QToolButton *button : bar->findChildren<QToolButton *>()) {
+        button->setFocusPolicy(Qt::TabFocus);
         if (!button->defaultAction()) // opens what a narrow window has no room for
             button->setAccessibleName(tr("More commands"));
     }

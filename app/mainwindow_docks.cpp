@@ -51,6 +51,7 @@ void MainWindow::createCameraListDock()
     cameraTable->horizontalHeader()->setStretchLastSection(true);
     cameraTable->resizeColumnsToContents();
     cameraTable->setContextMenuPolicy(Qt::CustomContextMenu);
+    cameraTable->setTabKeyNavigation(false); // Tab leads on, arrow keys choose the row
     cameraTable->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContentsOnFirstShow);
     connect(cameraTable, &QTableView::customContextMenuRequested, this,
             &MainWindow::showCameraListContextMenu);
@@ -70,6 +71,7 @@ void MainWindow::createBadpixelListDock()
     badpixelTable->setSelectionBehavior(QAbstractItemView::SelectRows);
     badpixelTable->setSelectionMode(QAbstractItemView::SingleSelection);
     badpixelTable->setContextMenuPolicy(Qt::CustomContextMenu);
+    badpixelTable->setTabKeyNavigation(false); // Tab leads on, arrow keys choose the row
     badpixelTable->setItemDelegateForColumn(ClassColumn, &classDelegate);
     badpixelTable->setSelectionModel(badpixelSelection);
     compactRows(badpixelTable);
@@ -157,6 +159,19 @@ void MainWindow::showBadpixelListContextMenu(QPoint)
     if (badpixelList.rowCount() > badpixelList.factoryEntries())
         menu->addAction(clearBadpixelAction);
     menu->exec(QCursor::pos());
+}
+
+/// Tab goes through every dock; one that lies behind another comes to the front when it is reached. A window
+/// that becomes active gives the focus back to where it was, and nothing moves.
+void MainWindow::showFocused(QWidget *before, QWidget *now)
+{
+    if (!before || !now || before->window() != now->window())
+        return;
+    for (QWidget *widget = now; widget; widget = widget->parentWidget()) {
+        auto *dock = qobject_cast<QDockWidget *>(widget);
+        if (dock && dock->visibleRegion().isEmpty())
+            dock->raise();
+    }
 }
 
 void MainWindow::flipVisibility(QDockWidget *dock)
