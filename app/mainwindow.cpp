@@ -3,6 +3,7 @@
 
 #include "mainwindow.h"
 
+#include "focusring.h"
 #include "ui_mainwindow.h"
 
 #include <QAction>
@@ -140,6 +141,7 @@ void MainWindow::prepareView()
     form->display->setAccessibleName(tr("Live image"));
     // An image has no direction of reading: its left stays left, under scrolling and clicks too.
     form->display->setLayoutDirection(Qt::LeftToRight);
+    new FocusRing(form->display);
 }
 
 void MainWindow::connectView()

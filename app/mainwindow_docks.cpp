@@ -3,6 +3,7 @@
 
 #include "mainwindow.h"
 
+#include "focusring.h"
 #include "magnifier.h"
 #include "magnifiercontrol.h"
 #include "parameterblockwidget.h"
@@ -107,6 +108,7 @@ void MainWindow::createMagnifierDock()
 void MainWindow::prepareMagnifier()
 {
     magnifierControl->magnifier()->setAccessibleName(tr("Magnifier"));
+    new FocusRing(magnifierControl->magnifier());
     if (auto *zoom = magnifierControl->findChild<QSlider *>())
         zoom->setAccessibleName(tr("Magnification"));
 }
