@@ -98,6 +98,8 @@ protected slots:
 
 protected:
     void changeEvent(QEvent *event) override;
+    /// Scrolls the image that has the keyboard.
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     struct Zoom;
@@ -153,6 +155,7 @@ private:
     void goToEntry(const QModelIndex &index);
     void enableDeletionOf(const Badpixel &entry);
     void onBadpixelListSorted();
+    bool scrollByKey(int key);
     void scrollToEntry(const Badpixel &entry);
     void scrollInProportion(QScrollBar *bar, int imageExtent, int position) const;
 

@@ -8,6 +8,7 @@
 #include "ui_mainwindow.h"
 
 #include <QItemSelectionModel>
+#include <QKeyEvent>
 #include <QScrollBar>
 
 #include <limits>
@@ -124,6 +125,37 @@ void MainWindow::scrollInProportion(QScrollBar *bar, int labelExtent, int positi
         return;
     const int step = bar->maximum() / (labelExtent / scaleFactor);
     bar->setValue(step * position);
+}
+
+void MainWindow::keyPressEvent(QKeyEvent *event)
+{
+    if (!form || !form->display->hasFocus() || !scrollByKey(event->key()))
+        QMainWindow::keyPressEvent(event);
+}
+
+/// The image view leaves all keys to the window. @return whether the key is one that scrolls
+bool MainWindow::scrollByKey(int key)
+{
+    QScrollBar *across = form->display->horizontalScrollBar();
+    QScrollBar *down = form->display->verticalScrollBar();
+    const struct
+    {
+        int key;
+        QScrollBar *bar;
+        QScrollBar::SliderAction action;
+    } ways[] = {{Qt::Key_Left, across, QScrollBar::SliderSingleStepSub},
+                {Qt::Key_Right, across, QScrollBar::SliderSingleStepAdd},
+                {Qt::Key_Up, down, QScrollBar::SliderSingleStepSub},
+                {Qt::Key_Down, down, QScrollBar::SliderSingleStepAdd},
+                {Qt::Key_PageUp, down, QScrollBar::SliderPageStepSub},
+                {Qt::Key_PageDown, down, QScrollBar::SliderPageStepAdd}};
+    for (const auto &way : ways) {
+        if (way.key != key)
+            continue;
+        way.bar->triggerAction(way.action);
+        return true;
+    }
+    return false;
 }
 
 void MainWindow::updateScaleFactor(int scale)
