@@ -5,6 +5,7 @@
 
 #include "detectiondialogue.h"
 #include "displaywidget.h"
+#include "residentmemory.h"
 
 #include <QDialogButtonBox>
 #include <QDir>
@@ -15,28 +16,11 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <cstdio>
 #include <set>
-
-#include <unistd.h>
 
 namespace {
 
 const std::string Serial = "KVLIVE";
-
-/// Resident memory of this process in bytes.
-std::int64_t residentMemory()
-{
-    long total = 0;
-    long resident = 0;
-    std::FILE *file = std::fopen("/proc/self/statm", "r");
-    if (file) {
-        if (std::fscanf(file, "%ld %ld", &total, &resident) != 2)
-            resident = 0;
-        std::fclose(file);
-    }
-    return std::int64_t(resident) * sysconf(_SC_PAGESIZE);
-}
 
 } // namespace
 

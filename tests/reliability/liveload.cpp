@@ -4,6 +4,7 @@
 #include "liveload.h"
 
 #include "mainwindow.h"
+#include "residentmemory.h"
 #include "windowdriver.h"
 
 #include <QAction>
@@ -176,19 +177,7 @@ void LiveLoad::click()
 
 void LiveLoad::sample()
 {
-    figures.memory << Sample{frames(), figures.shown, residentBytes()};
-}
-
-std::int64_t LiveLoad::residentBytes()
-{
-    QFile file("/proc/self/status");
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    for (const QByteArray &line : file.readAll().split('\n')) {
-        if (line.startsWith("VmRSS:"))
-            return line.mid(6).trimmed().split(' ').first().toLongLong() * 1024;
-    }
-    return 0;
+    figures.memory << Sample{frames(), figures.shown, residentMemory()};
 }
 
 void printFigures(const LiveLoad::Figures &figures)

@@ -84,9 +84,6 @@ public:
 
     Figures run();
 
-    /// Resident memory of this process in bytes.
-    static std::int64_t residentBytes();
-
 private:
     void open();
     void click();
