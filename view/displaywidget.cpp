@@ -4,6 +4,7 @@
 #include "displaywidget.h"
 
 #include "badpixellistmodel.h"
+#include "imagelabel.h"
 #include "truncate.h"
 
 #include <QItemSelectionModel>
@@ -77,7 +78,7 @@ void moveBar(QScrollBar *bar, int step)
 
 DisplayWidget::DisplayWidget(QWidget *parent)
     : QScrollArea(parent)
-    , imageLabel(new QLabel)
+    , imageLabel(new ImageLabel)
     , entryCircles(EntryRadius, EntryPenWidth)
     , selectionCircles(SelectionRadius, SelectionPenWidth)
 {

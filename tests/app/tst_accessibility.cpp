@@ -197,6 +197,7 @@ private slots:
     void fromRightToLeftTheFirstCameraIsSelected();
     void theWindowFitsASmallScreen();
     void iconsHaveThePixelsOfTheScreen();
+    void theImageIsSharpAtEveryScale();
 
 private:
     void openWithEntries();
@@ -579,6 +580,36 @@ void TestAccessibility::iconsHaveThePixelsOfTheScreen()
     const QPixmap drawn = button->icon().pixmap(window, button->iconSize());
     QCOMPARE(drawn.devicePixelRatio(), window->devicePixelRatio());
     QCOMPARE(drawn.width(), qRound(button->iconSize().width() * window->devicePixelRatio()));
+}
+
+/// Every pixel of the screen shows an image pixel that it lies on; smoothing would mix them.
+void TestAccessibility::theImageIsSharpAtEveryScale()
+{
+    openWithEntries();
+    bench.driver->action("highlightAction")->setChecked(false);
+    std::vector<std::uint8_t> frame = slantedFrame();
+    for (std::size_t i = 0; i < frame.size(); i += 3)
+        frame[i] = 255; // hot pixels
+    QVERIFY(bench.push(bench.mono, frame));
+    const auto isSharp = [&] {
+        const QImage shown = bench.driver->display()->widget()->grab().toImage();
+        const double ratio = shown.devicePixelRatio();
+        const auto at = [&](double x, double y) {
+            const int column = qMin(Width - 1, static_cast<int>(x / ratio));
+            const int row = qMin(Height - 1, static_cast<int>(y / ratio));
+            return int(frame[static_cast<std::size_t>(row * Width + column)]);
+        };
+        bool sharp = shown.width() == qRound(Width * ratio);
+        for (int y = 0; y < shown.height(); ++y) {
+            for (int x = 0; x < shown.width(); ++x) {
+                const QVector<int> below{at(x + 0.1, y + 0.1), at(x + 0.9, y + 0.1), at(x + 0.1, y + 0.9),
+                                         at(x + 0.9, y + 0.9)};
+                sharp = sharp && below.contains(qGray(shown.pixel(x, y)));
+            }
+        }
+        return sharp;
+    };
+    QTRY_VERIFY(isSharp());
 }
 
 int main(int argc, char **argv)
