@@ -14,29 +14,18 @@ unneeded='perl.*|libperl.*|python3.*|libpython3.*|dpkg|tar|debconf|.*-dev-tools|
 
 sysroot=$project/build-armhf/sysroot
 work=$project/build-armhf/sysroot-work
-stamp=$sysroot/made-of
+stamp=$sysroot/var/lib/dpkg/made-of
 
 # The host's tools and the target's libraries must be of the same Qt.
 host_qt=$(dpkg-query -W -f '${Version}' qtbase5-dev-tools)
 wanted=$(printf '%s\n' "${packages[@]}" "$unneeded" "$host_qt")
 [ "$(cat "$stamp" 2>/dev/null)" != "$wanted" ] || exit 0
 
-# Prints the address of the source that offers this release of Debian; nothing before the first apt-get update.
-package_source() {
-    apt-get indextargets --format '$(ORIGIN) $(CODENAME) $(REPO_URI)' 'Created-By: Packages' |
-        awk -v release="$1" '$1 == "Debian" && $2 == release { print $3; exit }'
-}
-
 # An apt of its own, which knows of one architecture and of no installed package.
 write_apt_settings() {
     local release source
     release=$(. /etc/os-release && echo "$VERSION_CODENAME")
     source=$(package_source "$release")
-    if [ -z "$source" ]; then
-        as_root apt-get update -qq
-        source=$(package_source "$release")
-    fi
-    [ -n "$source" ] || fail "apt knows no package source of Debian '$release'."
     mkdir -p "$work/state/lists/partial" "$work/cache/archives/partial" "$work/packages"
     : >"$work/status"
     printf 'deb [arch=%s signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] %s %s main\n' \
@@ -86,6 +75,29 @@ unpack() {
     done
 }
 
+# What dpkg would know of a package, for a tool that asks which package a library is of.
+record() {
+    local package=$1 records=$2 name control
+    name=$(dpkg-deb -f "$package" Package)
+    [ "$(dpkg-deb -f "$package" Multi-Arch)" != same ] || name=$name:$architecture
+    { dpkg-deb -f "$package" && printf 'Status: install ok installed\n\n'; } >>"$records/status"
+    dpkg-deb --fsys-tarfile "$package" | tar -t | sed -E 's|^\./||; s|/$||; s|^$|.|; s|^|/|' >"$records/info/$name.list"
+    rm -rf "$work/control"
+    dpkg-deb -e "$package" "$work/control"
+    for control in shlibs symbols; do
+        [ ! -f "$work/control/$control" ] || cp "$work/control/$control" "$records/info/$name.$control"
+    done
+}
+
+record_all() {
+    local records=$1/var/lib/dpkg package
+    mkdir -p "$records/info"
+    echo 1 >"$records/info/format"
+    for package in "$work"/packages/*.deb; do
+        record "$package" "$records"
+    done
+}
+
 # Absolute links would lead to this machine's own files.
 make_links_relative() {
     local root=$1 link
@@ -115,6 +127,7 @@ rm -rf "$sysroot" "$work"
 write_apt_settings
 download
 unpack "$work/root"
+record_all "$work/root"
 make_links_relative "$work/root"
 complete "$work/root"
 check_qt "$work/root"

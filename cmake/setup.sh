@@ -46,6 +46,23 @@ need() {
         >/dev/null || fail "could not install: ${missing[*]}"
 }
 
+# package_source release: prints where apt gets that release of Debian from.
+package_source() {
+    local release=$1 source
+    source=$(known_package_source "$release")
+    if [ -z "$source" ]; then # nothing is known before the first update
+        as_root apt-get update -qq
+        source=$(known_package_source "$release")
+    fi
+    [ -n "$source" ] || fail "apt knows no package source of Debian '$release'."
+    echo "$source"
+}
+
+known_package_source() {
+    apt-get indextargets --format '$(ORIGIN) $(CODENAME) $(REPO_URI)' 'Created-By: Packages' |
+        awk -v release="$1" '$1 == "Debian" && $2 == release { print $3; exit }'
+}
+
 # build preset folder [target...]: configures, in case packages have come since, and builds.
 build() {
     local preset=$1 folder=$2
