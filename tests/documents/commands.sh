@@ -93,7 +93,7 @@ until_window() {
 }
 
 in_window() {
-    env -u QT_QPA_PLATFORM xvfb-run -a -s '-screen 0 1600x1000x24' "$own/commands.sh" until-window "${1%%: *}" "${1#*: }"
+    env -u QT_QPA_PLATFORM xvfb-run -a -s '-screen 0 1600x1000x24 -noreset' "$own/commands.sh" until-window "${1%%: *}" "${1#*: }"
 }
 
 can_install() {
