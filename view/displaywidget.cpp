@@ -42,13 +42,6 @@ constexpr double ToFit = 0.0;
 // Qt counts the bits of a row in an int: wider frames cannot be converted to 32 bits, so none is shown.
 constexpr int LargestWidth = std::numeric_limits<int>::max() / 32;
 
-/// Whether a frame can be shown as it is.
-bool isPlain(const QImage &frame)
-{
-    return frame.format() == QImage::Format_RGB32 ||
-           (frame.format() == QImage::Format_Indexed8 && frame.colorCount() == 0);
-}
-
 /// Between images of one size and format, whose rows may be padded differently.
 void copyPixels(const QImage &from, QImage &to)
 {

@@ -3,6 +3,8 @@
 
 #include "magnifier.h"
 
+#include "sampling.h"
+
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -64,6 +66,12 @@ QString bayerColorAt(const QPoint &pixel)
     return oddX ? QStringLiteral("B") : QStringLiteral("R");
 }
 
+/// The grey value, or the blue channel.
+int valueAt(const QImage &frame, const QPoint &pixel)
+{
+    return frame.depth() == 8 ? frame.pixelIndex(pixel) : qBlue(frame.pixel(pixel));
+}
+
 } // namespace
 
 Magnifier::Magnifier(QWidget *parent)
@@ -90,8 +98,8 @@ void Magnifier::setZoom(int zoom)
 
 void Magnifier::setImage(QImage &image)
 {
-    // Converting a 32-bit frame would share the camera's buffer, which is gone after the call.
-    if (image.format() == QImage::Format_RGB32)
+    // The camera's buffer is gone after the call. A grey frame is kept so: only a small piece of it is shown.
+    if (isPlain(image))
         frame = image.copy();
     else
         frame = image.convertToFormat(QImage::Format_RGB32);
@@ -124,8 +132,9 @@ QImage Magnifier::enlargedPiece() const
         return QImage();
     const QImage piece = frame.copy(pieceStart(focus.x(), columns, frame.width()),
                                     pieceStart(focus.y(), rows, frame.height()), columns, rows);
-    return piece.scaled(static_cast<int>(pictureWidth), static_cast<int>(pictureHeight), Qt::KeepAspectRatio,
-                        Qt::FastTransformation);
+    return piece.convertToFormat(QImage::Format_RGB32)
+        .scaled(static_cast<int>(pictureWidth), static_cast<int>(pictureHeight), Qt::KeepAspectRatio,
+                Qt::FastTransformation);
 }
 
 /// Frames the square in the middle, just outside of it, and points at it from four sides.
@@ -150,8 +159,7 @@ void Magnifier::drawMarks(QImage &picture) const
 
 void Magnifier::reportPixel()
 {
-    const int value = frame.valid(focus) ? qBlue(frame.pixel(focus)) : 0;
-    emit pixelInfoChanged(bayerColorAt(focus), value);
+    emit pixelInfoChanged(bayerColorAt(focus), frame.valid(focus) ? valueAt(frame, focus) : 0);
 }
 
 void Magnifier::keyPressEvent(QKeyEvent *event)

@@ -56,6 +56,6 @@ private:
     void requestSteps(int right, int down);
 
     QPoint focus; // in image pixels
-    QImage frame; // the last one in 32 bits, in memory of its own
+    QImage frame; // the last one, grey or in 32 bits, in memory of its own
     int zoomFactor = 20;
 };

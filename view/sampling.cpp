@@ -122,6 +122,12 @@ Sampling::Sampling(const QSize &from, const QSize &to)
 {
 }
 
+bool isPlain(const QImage &frame)
+{
+    return frame.format() == QImage::Format_RGB32 ||
+           (frame.format() == QImage::Format_Indexed8 && frame.colorCount() == 0);
+}
+
 void scaleInto(QImage &scaled, const QImage &picture, const Sampling &sampling)
 {
     if (picture.format() == QImage::Format_RGB32)

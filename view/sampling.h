@@ -50,8 +50,11 @@ struct Sampling
     SideSampling rows;
 };
 
-/// Scales a picture into another, which must be a QImage::Format_RGB32 of the sampling's size. The picture is
-/// one too, or a QImage::Format_Indexed8 without colour table, which comes out grey.
+/// Whether a frame is of a format that the views keep as it is: QImage::Format_RGB32, or
+/// QImage::Format_Indexed8 without colour table, which is shown grey.
+bool isPlain(const QImage &frame);
+
+/// Scales a plain picture into another, which must be a QImage::Format_RGB32 of the sampling's size.
 void scaleInto(QImage &scaled, const QImage &picture, const Sampling &sampling);
 
 /// A scaled picture whose memory serves for the next one, too.
