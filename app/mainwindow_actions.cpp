@@ -3,6 +3,7 @@
 
 #include "mainwindow.h"
 
+#include "docktabrelease.h"
 #include "ui_mainwindow.h"
 
 #include <QAction>
@@ -107,6 +108,7 @@ void MainWindow::createMenus()
     createMagnifierDock();
     createCameraSliderDock();
     tabifyDockWidget(cameraListDock, badpixelListDock);
+    new DockTabRelease(this);
     createToolBar();
     createStatusBar();
     createFileMenu();

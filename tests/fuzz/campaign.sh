@@ -35,16 +35,16 @@ last_number() {
     echo "$found"
 }
 
-# fuzz NAME ARGUMENT...: sets `used` to the microseconds of user time and `status`.
+# fuzz NAME ARGUMENT...: sets `used` to the microseconds of processor time, user and system, and `status`.
 fuzz() {
     local name=$1 log=$results/log/$1-${rounds[$1]}.log times
     shift
     status=0
-    local TIMEFORMAT=%3U
+    local TIMEFORMAT='%3U %3S'
     # The fuzzer heeds the signals even so; the shell that measures it must not go first.
     times=$(trap '' INT TERM; { time "$programs/fuzz_$name" "$@" >"$log" 2>&1; } 2>&1) || status=$?
-    times=${times//[!0-9]/}
-    used=$((10#$times * 1000))
+    times=${times//[!0-9 ]/}
+    used=$(((10#${times% *} + 10#${times#* }) * 1000))
 }
 
 take_turn() {
