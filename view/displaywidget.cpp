@@ -15,8 +15,6 @@
 #include <QPen>
 #include <QScrollBar>
 
-#include <cstddef>
-#include <cstring>
 #include <limits>
 
 namespace {
@@ -41,14 +39,6 @@ constexpr double ToFit = 0.0;
 
 // Qt counts the bits of a row in an int: wider frames cannot be converted to 32 bits, so none is shown.
 constexpr int LargestWidth = std::numeric_limits<int>::max() / 32;
-
-/// Between images of one size and format, whose rows may be padded differently.
-void copyPixels(const QImage &from, QImage &to)
-{
-    const auto rowBytes = static_cast<std::size_t>(from.width()) * static_cast<std::size_t>(from.depth() / 8);
-    for (int y = 0; y < from.height(); ++y)
-        std::memcpy(to.scanLine(y), from.constScanLine(y), rowBytes);
-}
 
 QColor classColour(int pixelclass)
 {
@@ -89,12 +79,7 @@ DisplayWidget::~DisplayWidget()
 
 void DisplayWidget::setImage(QImage newImage)
 {
-    if (!isPlain(newImage))
-        image = newImage.convertToFormat(QImage::Format_RGB32);
-    else if (image.size() == newImage.size() && image.format() == newImage.format())
-        copyPixels(newImage, image); // into the memory of the last frame
-    else
-        image = newImage.copy(); // assigning would share the camera's buffer, which is gone after the call
+    keepFrame(image, newImage);
     redrawImage();
 }
 
@@ -219,6 +204,13 @@ void DisplayWidget::drawSelection(ScaledPicture &picture)
     const Badpixel entry = listModel->badpixel(selected.row());
     selectionCircles.add(QPoint(entry.x, entry.y), QColor(Qt::blue).rgb());
     selectionCircles.print(picture);
+}
+
+/// The label asks for a new layout with each picture. Its size follows the picture already, and the scroll
+/// bars follow its size; the layout would only paint both of them anew with each frame.
+bool DisplayWidget::viewportEvent(QEvent *event)
+{
+    return event->type() == QEvent::LayoutRequest || QScrollArea::viewportEvent(event);
 }
 
 void DisplayWidget::mousePressEvent(QMouseEvent *event)

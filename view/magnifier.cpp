@@ -98,11 +98,7 @@ void Magnifier::setZoom(int zoom)
 
 void Magnifier::setImage(QImage &image)
 {
-    // The camera's buffer is gone after the call. A grey frame is kept so: only a small piece of it is shown.
-    if (isPlain(image))
-        frame = image.copy();
-    else
-        frame = image.convertToFormat(QImage::Format_RGB32);
+    keepFrame(frame, image); // grey if it is: only a small piece of it is shown
     redrawImage();
 }
 

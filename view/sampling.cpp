@@ -108,6 +108,21 @@ void scaleRows(QImage &scaled, const QImage &picture, const Sampling &sampling)
     }
 }
 
+/// Whether a frame is kept as it is.
+bool isPlain(const QImage &frame)
+{
+    return frame.format() == QImage::Format_RGB32 ||
+           (frame.format() == QImage::Format_Indexed8 && frame.colorCount() == 0);
+}
+
+/// Between images of one size and format, whose rows may be padded differently.
+void copyPixels(const QImage &from, QImage &to)
+{
+    const auto rowBytes = static_cast<std::size_t>(from.width()) * static_cast<std::size_t>(from.depth() / 8);
+    for (int y = 0; y < from.height(); ++y)
+        std::memcpy(to.scanLine(y), from.constScanLine(y), rowBytes);
+}
+
 } // namespace
 
 SideSampling::SideSampling(int from, int to)
@@ -122,10 +137,14 @@ Sampling::Sampling(const QSize &from, const QSize &to)
 {
 }
 
-bool isPlain(const QImage &frame)
+void keepFrame(QImage &kept, const QImage &frame)
 {
-    return frame.format() == QImage::Format_RGB32 ||
-           (frame.format() == QImage::Format_Indexed8 && frame.colorCount() == 0);
+    if (!isPlain(frame))
+        kept = frame.convertToFormat(QImage::Format_RGB32);
+    else if (kept.size() == frame.size() && kept.format() == frame.format())
+        copyPixels(frame, kept);
+    else
+        kept = frame.copy(); // assigning would share the camera's buffer, which is gone after the call
 }
 
 void scaleInto(QImage &scaled, const QImage &picture, const Sampling &sampling)

@@ -50,11 +50,12 @@ struct Sampling
     SideSampling rows;
 };
 
-/// Whether a frame is of a format that the views keep as it is: QImage::Format_RGB32, or
-/// QImage::Format_Indexed8 without colour table, which is shown grey.
-bool isPlain(const QImage &frame);
+/// Copies a frame that borrows the camera's buffer into `kept`, whose memory serves again for a frame like
+/// the last one. QImage::Format_RGB32 and QImage::Format_Indexed8 without colour table, which is shown grey,
+/// stay what they are; others are converted to QImage::Format_RGB32.
+void keepFrame(QImage &kept, const QImage &frame);
 
-/// Scales a plain picture into another, which must be a QImage::Format_RGB32 of the sampling's size.
+/// Scales a frame that was kept so into another, which must be a QImage::Format_RGB32 of the sampling's size.
 void scaleInto(QImage &scaled, const QImage &picture, const Sampling &sampling);
 
 /// A scaled picture whose memory serves for the next one, too.

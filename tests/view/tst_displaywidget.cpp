@@ -103,6 +103,25 @@ QImage pictureIn(const QLabel &label)
     return label.pixmap(Qt::ReturnByValue).toImage().convertToFormat(QImage::Format_RGB32);
 }
 
+/// Counts how often a widget paints itself.
+class PaintCount : public QObject
+{
+public:
+    explicit PaintCount(QWidget *widget)
+        : QObject(widget)
+    {
+        widget->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        count += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+
+    int count = 0;
+};
+
 QPoint clickedPixel(const QSignalSpy &spy)
 {
     return spy.count() == 1 ? spy.first().first().toPoint() : QPoint(-1000, -1000);
@@ -130,6 +149,7 @@ private slots:
     void theFrameOutlivesItsBuffer();
     void aFrameLikeTheLastOutlivesItsBuffer();
     void a32BitFrameIsNeverDrawnInto();
+    void aFrameLikeTheLastLeavesTheScrollBarsAlone();
 
     void anEntryAtTheOriginIsClippedNotMoved();
     void anEntryIsCircledWithinNinePixels();
@@ -377,6 +397,24 @@ void TestDisplayWidget::a32BitFrameIsNeverDrawnInto()
     view->setHighlight(false);
     view->redrawImage();
     QCOMPARE(shown(), frame);
+}
+
+void TestDisplayWidget::aFrameLikeTheLastLeavesTheScrollBarsAlone()
+{
+    view->resize(100, 100);
+    view->setImage(gradientFrame(QSize(400, 400)));
+    view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+    QVERIFY(view->horizontalScrollBar()->isVisible() && view->verticalScrollBar()->isVisible());
+
+    const auto *ofLabel = new PaintCount(view->widget());
+    const auto *ofBar = new PaintCount(view->horizontalScrollBar());
+    view->setImage(blackFrame(QSize(400, 400)));
+    QTRY_COMPARE(ofLabel->count, 1);
+    const int fromShowing = ofBar->count;
+    view->setImage(gradientFrame(QSize(400, 400)));
+    QTRY_COMPARE(ofLabel->count, 2);
+    QCOMPARE(ofBar->count, fromShowing);
 }
 
 void TestDisplayWidget::anEntryAtTheOriginIsClippedNotMoved()
