@@ -3,15 +3,12 @@
 
 #include "magnifier.h"
 
-#include "sampling.h"
-
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPen>
 
 #include <limits>
-#include <utility>
 
 namespace {
 
@@ -104,33 +101,34 @@ void Magnifier::setImage(QImage &image)
 
 void Magnifier::redrawImage()
 {
-    QImage picture = enlargedPiece();
-    if (picture.isNull()) {
+    if (!enlargePiece()) {
         clear();
         return;
     }
+    QImage &picture = enlarged.pixels;
     if (picture.width() >= SmallestMarkedSide && picture.height() >= SmallestMarkedSide) {
         drawMarks(picture);
         reportPixel();
     }
-    setPixmap(QPixmap::fromImage(std::move(picture)));
+    setPixmap(QPixmap::fromImage(picture));
 }
 
-/// The frame's piece round the focus, each pixel a square; black outside the frame. Null while there is no
-/// frame, and for a label so large that no image could fill it.
-QImage Magnifier::enlargedPiece() const
+/// The frame's piece round the focus, each pixel a square; black outside the frame. @return false while there
+/// is no frame, and for a label so large that no image could fill it
+bool Magnifier::enlargePiece()
 {
     const int columns = oddPixelCount(width(), zoomFactor);
     const int rows = oddPixelCount(height(), zoomFactor);
     const qint64 pictureWidth = qint64(zoomFactor) * columns;
     const qint64 pictureHeight = qint64(zoomFactor) * rows;
     if (frame.isNull() || pictureWidth > LargestPixelCount / pictureHeight)
-        return QImage();
+        return false;
     const QImage piece = frame.copy(pieceStart(focus.x(), columns, frame.width()),
                                     pieceStart(focus.y(), rows, frame.height()), columns, rows);
-    return piece.convertToFormat(QImage::Format_RGB32)
-        .scaled(static_cast<int>(pictureWidth), static_cast<int>(pictureHeight), Qt::KeepAspectRatio,
-                Qt::FastTransformation);
+    if (!enlarged.makeRoom(piece.size(), QSize(int(pictureWidth), int(pictureHeight))))
+        return false;
+    scaleInto(enlarged.pixels, piece, enlarged.sampling);
+    return true;
 }
 
 /// Frames the square in the middle, just outside of it, and points at it from four sides.

@@ -2,6 +2,8 @@
 // The enlarged view of the pixels round one pixel of the live image.
 #pragma once
 
+#include "sampling.h"
+
 #include <QImage>
 #include <QLabel>
 #include <QPoint>
@@ -50,12 +52,13 @@ signals:
     void changePosition(QPoint position);
 
 private:
-    QImage enlargedPiece() const;
+    bool enlargePiece();
     void drawMarks(QImage &picture) const;
     void reportPixel();
     void requestSteps(int right, int down);
 
-    QPoint focus; // in image pixels
-    QImage frame; // the last one, grey or in 32 bits, in memory of its own
+    QPoint focus;           // in image pixels
+    QImage frame;           // the last one, grey or in 32 bits, in memory of its own
+    ScaledPicture enlarged; // its piece round the focus, with the marks
     int zoomFactor = 20;
 };
