@@ -9,6 +9,44 @@
 #include <QItemSelectionModel>
 #include <QMessageBox>
 
+namespace {
+
+/// A row header that knows no list for as long as this is there. Qt makes a selection with each model that a
+/// view gets, and deletes none of them.
+class DetachedHeader final
+{
+public:
+    DetachedHeader(QHeaderView *rowHeader, QAbstractItemModel *rows, QItemSelectionModel *selectedRows)
+        : header(rowHeader)
+        , list(rows)
+        , selection(selectedRows)
+    {
+        if (header)
+            header->setModel(nullptr);
+    }
+
+    ~DetachedHeader()
+    {
+        if (!header)
+            return;
+        const QItemSelectionModel *ofNothing = header->selectionModel();
+        header->setModel(list);
+        const QItemSelectionModel *ofTheList = header->selectionModel();
+        header->setSelectionModel(selection);
+        delete ofNothing;
+        delete ofTheList;
+    }
+
+private:
+    Q_DISABLE_COPY(DetachedHeader)
+
+    const QPointer<QHeaderView> header;
+    QAbstractItemModel *const list;
+    QItemSelectionModel *const selection;
+};
+
+} // namespace
+
 /// The first selected index of the hot pixel list, or an invalid one.
 QModelIndex MainWindow::selectedHotpixel() const
 {
@@ -30,8 +68,10 @@ void MainWindow::deleteBadpixel()
 {
     guard([this] {
         const QModelIndex selected = selectedHotpixel();
-        if (selected.isValid())
-            badpixelList.removeUserBadpixel(selected.row());
+        if (!selected.isValid())
+            return;
+        badpixelList.removeUserBadpixel(selected.row());
+        form->display->redrawImage(); // no frame may come for a while
     });
 }
 
@@ -43,7 +83,6 @@ void MainWindow::clearBadpixel()
 void MainWindow::clearUserEntries()
 {
     changeRowByRow([this] { badpixelList.clearUserBadpixelList(); });
-    form->display->redrawImage(); // no frame may come for a while
 }
 
 /// User entries go one by one. Without care the table's row header would move its whole section list for
@@ -53,20 +92,15 @@ void MainWindow::changeRowByRow(const std::function<void()> &work)
     const QModelIndex selected = selectedHotpixel();
     if (selected.isValid() && badpixelList.badpixel(selected.row()).pixelclass == User)
         badpixelSelection->clear();
-    QHeaderView *rowHeader = badpixelTable ? badpixelTable->verticalHeader() : nullptr;
-    if (rowHeader)
-        rowHeader->setModel(nullptr);
-    struct Reattach
-    {
-        ~Reattach()
-        {
-            if (header)
-                header->setModel(list);
-        }
-        QPointer<QHeaderView> header;
-        QAbstractItemModel *list;
-    } reattach{rowHeader, &badpixelList};
-    work();
+    const DetachedHeader detached(badpixelTable ? badpixelTable->verticalHeader() : nullptr, &badpixelList,
+                                  badpixelSelection);
+    try {
+        work();
+    } catch (...) {
+        form->display->redrawImage(); // entries may be gone all the same
+        throw;
+    }
+    form->display->redrawImage(); // no frame may come for a while
 }
 
 void MainWindow::writeBadpixelList()

@@ -26,6 +26,7 @@ private slots:
     void addingTwiceAddsOnce();
     void addingAtAFactoryEntryAddsNothing();
     void deletingRemovesTheSelectedUserEntry();
+    void deletingAnEntryTakesItsCircleAway();
     void deletingWithoutASelectionDoesNothing();
     void deletingAFactoryEntryDoesNothing();
     void onlyUserEntriesEnableDeletion();
@@ -36,6 +37,7 @@ private slots:
     void anIgnoredEntryCannotBeDeleted();
     void sortingLeavesDeletionToTheEntryThatIsSelectedNow();
     void clearingALongListLeavesTheTableWhole();
+    void clearingLeavesTheTableItsOneSelection();
 
     void theFocusIsClampedToTheImage();
     void withoutAnImageTheFocusHasNoUpperBound();
@@ -121,6 +123,18 @@ void TestHotpixelWork::deletingRemovesTheSelectedUserEntry()
     bench.driver->trigger("deleteBadpixelAction");
     QCOMPARE(bench.rows(), 3);
     QCOMPARE(bench.cell(2, 0), QString("50"));
+}
+
+void TestHotpixelWork::deletingAnEntryTakesItsCircleAway()
+{
+    showFrame();
+    add(70, 60);
+    add(33, 44);
+    select(3);
+    QVERIFY(bench.isCircledAsUsers(QPoint(33, 44)));
+    bench.driver->trigger("deleteBadpixelAction");
+    QVERIFY(!bench.isCircledAsUsers(QPoint(33, 44)));
+    QVERIFY(bench.isCircledAsUsers(QPoint(70, 60)));
 }
 
 void TestHotpixelWork::deletingWithoutASelectionDoesNothing()
@@ -228,6 +242,18 @@ void TestHotpixelWork::clearingALongListLeavesTheTableWhole()
     QVERIFY(!bench.enabled("deleteBadpixelAction"));
     add(33, 44);
     QCOMPARE(header->count(), 3);
+}
+
+void TestHotpixelWork::clearingLeavesTheTableItsOneSelection()
+{
+    const QHeaderView *header = bench.driver->badpixelTable()->verticalHeader();
+    const int before = header->findChildren<QItemSelectionModel *>().count();
+    for (int i = 0; i < 3; ++i) {
+        add(33, 44);
+        bench.driver->trigger("clearBadpixelAction");
+    }
+    QCOMPARE(header->findChildren<QItemSelectionModel *>().count(), before);
+    QCOMPARE(header->selectionModel(), bench.driver->badpixelTable()->selectionModel());
 }
 
 void TestHotpixelWork::theFocusIsClampedToTheImage()
@@ -341,6 +367,7 @@ void TestHotpixelWork::selectingScrollsInProportion()
 void TestHotpixelWork::atOneToTwoTheZoomFactorIsOne()
 {
     bench.window->resize(600, 400);
+    bench.driver->trigger("zoom4to1Action"); // so that the factor is not one already
     bench.driver->trigger("zoom1to2Action");
     bench.pushFlat(bench.mono, 30);
     QTRY_COMPARE(bench.driver->display()->widget()->width(), 48);
@@ -368,16 +395,21 @@ void TestHotpixelWork::aZoomFactorOfZeroLeavesTheScrollBarsAlone()
 
 void TestHotpixelWork::aHalvedScaleChecksTheZoomAndSaysSo()
 {
-    const QPair<int, const char *> cases[] = {{2, "zoom2to1Action"}, {1, "zoom1to1Action"}};
+    const auto halvedTo = [this](double scale) {
+        QMetaObject::invokeMethod(bench.driver->display(), "scaleChanged", Q_ARG(double, scale));
+    };
+    // What follows the point is cut off on the way.
+    const QPair<double, const char *> cases[] = {
+        {2.0, "zoom2to1Action"}, {1.0, "zoom1to1Action"}, {2.9, "zoom2to1Action"}};
     for (const auto &[scale, zoom] : cases) {
         bench.driver->trigger("zoom4to1Action");
-        bench.invoke("updateScaleFactor", Q_ARG(int, scale));
+        halvedTo(scale);
         QVERIFY(bench.driver->action(zoom)->isChecked());
         QVERIFY(!bench.driver->action("zoom4to1Action")->isChecked());
         QCOMPARE(bench.driver->message(), QString("The image is too big and will be resized"));
     }
     bench.driver->trigger("zoom4to1Action");
-    bench.invoke("updateScaleFactor", Q_ARG(int, 0));
+    halvedTo(0.5);
     QVERIFY(bench.driver->action("zoom4to1Action")->isChecked());
 }
 

@@ -100,6 +100,7 @@ private slots:
     void anImportKeepsASelectedFactoryEntry();
     void anImportedUserEntryCanBeDeleted();
     void theViewShowsWhatWasImported();
+    void theViewShowsWhatAFailureLeaves();
     void twoHundredThousandLinesAreImportedAndShown();
 
 private:
@@ -110,7 +111,6 @@ private:
     void add(int x, int y) const;
     QStringList list() const;
     int selectedRow() const;
-    bool isCircledAsUsers(const QPoint &pixel) const;
 
     mutable WindowFixture bench;
     std::unique_ptr<QTemporaryDir> folder;
@@ -175,20 +175,6 @@ int TestListFiles::selectedRow() const
 {
     const QModelIndexList rows = bench.driver->badpixelTable()->selectionModel()->selectedRows();
     return rows.isEmpty() ? -1 : rows.first().row();
-}
-
-/// Whether the view shows green, the colour of user entries, round a pixel. The zoom is 1:1.
-bool TestListFiles::isCircledAsUsers(const QPoint &pixel) const
-{
-    const QImage shown = bench.driver->shownImage();
-    for (int y = pixel.y() - 5; y <= pixel.y() + 5; ++y) {
-        for (int x = pixel.x() - 5; x <= pixel.x() + 5; ++x) {
-            const QRgb colour = shown.pixel(x, y);
-            if (qGreen(colour) > qRed(colour) + 60 && qGreen(colour) > qBlue(colour) + 60)
-                return true;
-        }
-    }
-    return false;
 }
 
 void TestListFiles::eachCommandAsksForAFile_data()
@@ -518,12 +504,23 @@ void TestListFiles::theViewShowsWhatWasImported()
 {
     QVERIFY(bench.pushFlat(bench.mono, 40));
     QTRY_VERIFY(!bench.driver->shownImage().isNull());
-    QVERIFY(isCircledAsUsers(QPoint(33, 44)));
+    QVERIFY(bench.isCircledAsUsers(QPoint(33, 44)));
     QVERIFY(write(path("list.txt"), "70 20 1\n"));
     choose("importListAction", path("list.txt"));
-    QVERIFY(isCircledAsUsers(QPoint(70, 20)));
-    QVERIFY(!isCircledAsUsers(QPoint(33, 44)));
-    QVERIFY(!isCircledAsUsers(QPoint(50, 61)));
+    QVERIFY(bench.isCircledAsUsers(QPoint(70, 20)));
+    QVERIFY(!bench.isCircledAsUsers(QPoint(33, 44)));
+    QVERIFY(!bench.isCircledAsUsers(QPoint(50, 61)));
+}
+
+void TestListFiles::theViewShowsWhatAFailureLeaves()
+{
+    QVERIFY(bench.pushFlat(bench.mono, 40));
+    QTRY_VERIFY(!bench.driver->shownImage().isNull());
+    QVERIFY(bench.isCircledAsUsers(QPoint(33, 44)));
+    choose("saveListAction", path("old.bin"));
+    kelvosim::failCall("vx_HotPixel", 1, 57, "", 33042);
+    QCOMPARE(chooseAndReadBox("loadListAction", path("old.bin")).count, 1);
+    QVERIFY(!bench.isCircledAsUsers(QPoint(33, 44)));
 }
 
 void TestListFiles::twoHundredThousandLinesAreImportedAndShown()

@@ -104,6 +104,20 @@ public:
     }
     bool enabled(const char *action) const { return driver->action(action)->isEnabled(); }
 
+    /// Whether the view shows green, the colour of user entries, round a pixel. The zoom is 1:1.
+    bool isCircledAsUsers(const QPoint &pixel) const
+    {
+        const QImage shown = driver->shownImage();
+        for (int y = pixel.y() - 5; y <= pixel.y() + 5; ++y) {
+            for (int x = pixel.x() - 5; x <= pixel.x() + 5; ++x) {
+                const QRgb colour = shown.pixel(x, y);
+                if (qGreen(colour) > qRed(colour) + 60 && qGreen(colour) > qBlue(colour) + 60)
+                    return true;
+            }
+        }
+        return false;
+    }
+
     std::unique_ptr<MainWindow> window;
     std::unique_ptr<WindowDriver> driver;
 
