@@ -31,6 +31,10 @@ void MainWindow::openCamera()
     if (entry == CameraEntry() || entry.inUse)
         return;
     guard([&] { openSelectedCamera(entry); }, 5000);
+    if (!camera.isOpen()) { // nor is the one that was open before
+        form->display->clear();
+        setImageVisible(false);
+    }
     // Also after a failure: the focus and the action are put back all the same.
     setMagnifierPosition(QPoint(0, 0));
     checkCorrectionSupport();

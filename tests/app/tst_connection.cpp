@@ -42,6 +42,7 @@ private slots:
     void openingSetsTheHighlightAsChecked();
     void openingResetsTheZoom();
     void openingAnotherCameraClosesTheFirst();
+    void anotherCameraThatCannotBeOpenedLeavesNoImage();
     void closingEmptiesListAndView();
     void closingFromAnotherRowDoesNothing();
     void aFailingRefreshWhileClosingStillEmptiesTheList();
@@ -271,6 +272,20 @@ void TestConnection::openingAnotherCameraClosesTheFirst()
     QCOMPARE(kelvosim::openHandles(), 1);
     QTRY_COMPARE(bench.driver->cameraStatus(bench.bayer), QString("opened"));
     QTRY_COMPARE(bench.driver->cameraStatus(bench.mono), QString("free"));
+}
+
+void TestConnection::anotherCameraThatCannotBeOpenedLeavesNoImage()
+{
+    bench.open(bench.mono);
+    bench.pushFlat(bench.mono, 90);
+    QTRY_VERIFY(!bench.driver->shownImage().isNull());
+    kelvosim::failCall("vx_InitCamera", 1, 3, "");
+    bench.open(bench.bayer);
+    QCOMPARE(kelvosim::openHandles(), 0);
+    QVERIFY(bench.driver->shownImage().isNull());
+    QVERIFY(!imageVisible());
+    bench.open(bench.mono);
+    QVERIFY(imageVisible());
 }
 
 void TestConnection::closingEmptiesListAndView()
