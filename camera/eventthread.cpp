@@ -76,6 +76,8 @@ void EventThread::run()
             msleep(PauseAfterFailure);
         else if (running && mayTakeOff(record.signalled))
             takeOff(record.signalled);
+        else if (running)
+            msleep(PauseForReceiver); // it counts as one that waits already, as may many more
         letReceiverCatchUp();
     }
     running = false;

@@ -55,6 +55,7 @@ private slots:
     void withoutHoldingBackEveryWaitIsEmitted_data();
     void withoutHoldingBackEveryWaitIsEmitted();
     void atMostOneHeldBackEventIsOnItsWay();
+    void repetitionsOfAHeldBackEventDoNotKeepTheProcessorBusy();
     void otherEventsPassAHeldBackOne();
 };
 
@@ -319,6 +320,26 @@ void TestEventThread::atMostOneHeldBackEventIsOnItsWay()
     QCOMPARE(receiver.events.count(2), 2);
     kelvosim::signalDeviceEvent(2);
     QTRY_COMPARE(receiver.events.count(2), 3);
+}
+
+/// A library whose waits return at once with the same event, for ever.
+void TestEventThread::repetitionsOfAHeldBackEventDoNotKeepTheProcessorBusy()
+{
+    kelvosim::failCall("vx_Event", kelvosim::EveryCall, 5, "no wait", 7);
+    kelvosim::overrideResult("vx_Event", 0, 7);
+    kelvosim::overrideNumber("vx_Event", 0, 2, 7);
+    EventThread thread;
+    thread.holdBack(2);
+    Receiver receiver(&thread);
+    QElapsedTimer timer;
+    timer.start();
+    thread.start(0, {2});
+    QTRY_VERIFY(kelvosim::callCount("vx_Event", 7) > 100);
+    // A thread that does not pause makes tens of thousands of calls meanwhile.
+    const int waits = kelvosim::callCount("vx_Event", 7);
+    QVERIFY(waits <= 3 + timer.elapsed());
+    QCOMPARE(receiver.events, QVector<int>{2});
+    kelvosim::clearFaults();
 }
 
 void TestEventThread::otherEventsPassAHeldBackOne()
