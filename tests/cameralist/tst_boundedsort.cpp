@@ -41,6 +41,7 @@ class TestBoundedSort : public QObject
 private slots:
     void sortsListsOfAnyLength();
     void keepsEqualItemsInTheirOrder();
+    void fewAreInTheOrderOfTheStandardSort();
     void keepsEveryItemUnderASenselessComparison();
     void leavesTheItemsAloneWhenTheComparisonThrows();
     void oneItemIsNotCompared();
@@ -64,6 +65,19 @@ void TestBoundedSort::keepsEqualItemsInTheirOrder()
     std::stable_sort(expected.begin(), expected.end(), byTens);
     boundedSort(items, byTens);
     QCOMPARE(items, expected);
+}
+
+/// Also where the comparison is no ordering, which so few do not lead out of the array.
+void TestBoundedSort::fewAreInTheOrderOfTheStandardSort()
+{
+    const auto mixed = [](int a, int b) { return a % 7 < b % 5; };
+    for (unsigned seed = 0; seed < 200; ++seed) {
+        std::vector<int> items = shuffled(static_cast<int>(seed % 17), seed);
+        std::vector<int> expected = items;
+        std::sort(expected.begin(), expected.end(), mixed);
+        boundedSort(items, mixed);
+        QCOMPARE(items, expected);
+    }
 }
 
 void TestBoundedSort::keepsEveryItemUnderASenselessComparison()

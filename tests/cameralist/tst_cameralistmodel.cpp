@@ -177,6 +177,7 @@ private slots:
     void sortingByEachColumn();
     void sortingByDeviceComparesWithTheCameraId_data();
     void sortingByDeviceComparesWithTheCameraId();
+    void sortingSeveralByDeviceInsertsThemInTurn();
     void sortingManyCamerasKeepsEveryRow_data();
     void sortingManyCamerasKeepsEveryRow();
     void sortingByASixthColumnThrows();
@@ -601,6 +602,20 @@ void TestCameraListModel::sortingByDeviceComparesWithTheCameraId()
     model.updateList();
     model.sort(1, order);
     QCOMPARE(serials(model), swapped ? (QStringList{"lower", "upper"}) : (QStringList{"upper", "lower"}));
+}
+
+/// Each row goes to the front when it comes before the first row, else up for as long as it comes before the
+/// next.
+void TestCameraListModel::sortingSeveralByDeviceInsertsThemInTurn()
+{
+    attach("A", 1, 3);
+    attach("B", 4, 2);
+    attach("C", 3, 1);
+    attach("D", 2, 4);
+    CameraListModel model(never);
+    model.updateList();
+    model.sort(1, Qt::AscendingOrder);
+    QCOMPARE(serials(model), (QStringList{"D", "A", "B", "C"}));
 }
 
 void TestCameraListModel::sortingManyCamerasKeepsEveryRow_data()
