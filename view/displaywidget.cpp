@@ -70,6 +70,7 @@ DisplayWidget::DisplayWidget(QWidget *parent)
     imageLabel->setScaledContents(true);
     setBackgroundRole(QPalette::Dark);
     setWidget(imageLabel);
+    viewport()->installEventFilter(imageLabel);
 }
 
 DisplayWidget::~DisplayWidget()
@@ -204,13 +205,6 @@ void DisplayWidget::drawSelection(ScaledPicture &picture)
     const Badpixel entry = listModel->badpixel(selected.row());
     selectionCircles.add(QPoint(entry.x, entry.y), QColor(Qt::blue).rgb());
     selectionCircles.print(picture);
-}
-
-/// The label asks for a new layout with each picture. Its size follows the picture already, and the scroll
-/// bars follow its size; the layout would only paint both of them anew with each frame.
-bool DisplayWidget::viewportEvent(QEvent *event)
-{
-    return event->type() == QEvent::LayoutRequest || QScrollArea::viewportEvent(event);
 }
 
 void DisplayWidget::mousePressEvent(QMouseEvent *event)

@@ -65,7 +65,6 @@ signals:
     void scaleChanged(double scale);
 
 protected:
-    bool viewportEvent(QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;

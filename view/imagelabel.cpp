@@ -3,6 +3,7 @@
 
 #include "imagelabel.h"
 
+#include <QEvent>
 #include <QPainter>
 #include <QPixmap>
 #include <QVariant>
@@ -10,6 +11,11 @@
 ImageLabel::ImageLabel(QWidget *parent)
     : QLabel(parent)
 {
+}
+
+bool ImageLabel::eventFilter(QObject *viewport, QEvent *event)
+{
+    return event->type() == QEvent::LayoutRequest || QLabel::eventFilter(viewport, event);
 }
 
 void ImageLabel::paintEvent(QPaintEvent *)

@@ -14,6 +14,11 @@ class ImageLabel final : public QLabel
 public:
     explicit ImageLabel(QWidget *parent = nullptr);
 
+    /// Keeps the layout that the label asks for with each picture from the viewport that it filters. The view
+    /// gives it the picture's size itself, and the scroll bars follow that; the layout would only paint both
+    /// of them anew with each frame.
+    bool eventFilter(QObject *viewport, QEvent *event) override;
+
 protected:
     void paintEvent(QPaintEvent *event) override;
 };
