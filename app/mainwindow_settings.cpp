@@ -2,6 +2,7 @@
 // What the window remembers from one run to the next: its geometry and where its docks and tool bar are.
 
 #include "mainwindow.h"
+#include "savedlayout.h"
 
 #include <QApplication>
 #include <QDesktopWidget>
@@ -43,7 +44,9 @@ void MainWindow::readSettings()
     const WindowSettings settings;
     if (!restoreGeometry(settings.value("geometry")))
         fitToScreen();
-    restoreState(settings.value("state"), StateVersion);
+    const QByteArray state = settings.value("state");
+    if (isSavedLayout(state))
+        restoreState(state, StateVersion);
 }
 
 /// A new window is as large as the form, or as a small screen lets it be: what lies beyond cannot be reached.

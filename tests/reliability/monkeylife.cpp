@@ -180,15 +180,21 @@ const MonkeyKind &MonkeyLife::choose(MonkeyRandom &random) const
     return weighed(inDialogue, dialoguePlace);
 }
 
-/// Some programs start with settings that are none.
+/// Some programs start with settings that are none, or of which a byte has changed.
 void MonkeyLife::spoilSettings()
 {
     MonkeyRandom random(seed, actions + done + 1);
     if (!random.oneIn(4))
         return;
     QSettings settings("Kelvo", "Kelvo");
-    settings.setValue("Speckmend/mainWindow/geometry", QByteArray::number(random.number()));
-    settings.setValue("Speckmend/mainWindow/state", QByteArray::number(random.number()));
+    for (const char *key : {"Speckmend/mainWindow/geometry", "Speckmend/mainWindow/state"}) {
+        QByteArray bytes = settings.value(key).toByteArray();
+        if (bytes.isEmpty() || random.oneIn(4))
+            bytes = QByteArray::number(random.number());
+        else
+            bytes[random.below(bytes.size())] = static_cast<char>(random.below(256));
+        settings.setValue(key, bytes);
+    }
 }
 
 /// Whatever was done to it: the program opens a camera, shows its frame, and takes an entry.
