@@ -30,13 +30,28 @@ struct Plan
     bool verbose = false;
 };
 
-/// Swallows what a click on a link would open in a browser.
+/// Swallows what a click on a link would open in a browser, as long as it lives.
 class NoBrowser : public QObject
 {
     Q_OBJECT
 
+public:
+    NoBrowser()
+    {
+        for (const char *scheme : Schemes)
+            QDesktopServices::setUrlHandler(scheme, this, "open");
+    }
+    ~NoBrowser() override
+    {
+        for (const char *scheme : Schemes)
+            QDesktopServices::unsetUrlHandler(scheme);
+    }
+
 public slots:
     void open(const QUrl &) { monkeydiary::count("links opened"); }
+
+private:
+    static constexpr const char *Schemes[] = {"http", "https", "file", "mailto"};
 };
 
 Plan readPlan(const QCoreApplication &application)
@@ -101,9 +116,7 @@ int main(int argc, char **argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     Application application(argc, argv);
     const Plan plan = readPlan(application);
-    NoBrowser browser;
-    for (const char *scheme : {"http", "https", "file", "mailto"})
-        QDesktopServices::setUrlHandler(scheme, &browser, "open");
+    const NoBrowser browser;
     std::printf("speckmend-monkey --seed %llu\n", plan.seed);
     std::fflush(stdout);
     monkeydiary::open(plan.verbose);

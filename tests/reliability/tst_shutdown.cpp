@@ -61,7 +61,7 @@ void TestShutdown::theProgramEndsWheneverItIsClosed_data()
     QTest::addColumn<QString>("way");
     for (const char *moment : Moments) {
         for (const char *way : {"top", "window", "all", "quit"})
-            QTest::addRow("%s, %s", moment, way) << moment << way;
+            QTest::newRow((QByteArray(moment) + ", " + way).constData()) << moment << way;
     }
 }
 
