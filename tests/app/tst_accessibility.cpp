@@ -64,8 +64,8 @@ QString description(const QAccessibleInterface &element)
 {
     const QObject *object = element.object();
     return QString("%1 %2 of role %3")
-        .arg(object ? object->metaObject()->className() : "element")
-        .arg(object ? object->objectName() : QString())
+        .arg(QString(object ? object->metaObject()->className() : "element"),
+             object ? object->objectName() : QString())
         .arg(element.role());
 }
 

@@ -338,7 +338,7 @@ void TestSettings::aLowerFrameRateSlowsTheCamera()
 {
     openLive();
     block()->framerate()->spinBox()->setValue(200.0);
-    const auto measured = [this] {
+    const auto measured = [] {
         double rate = 0.0;
         vx_GetFramesPerSecond(openHandle(), &rate);
         return rate;

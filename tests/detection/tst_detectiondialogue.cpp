@@ -384,13 +384,13 @@ void TestDetectionDialogue::aMessageIsShownWhole_data()
 {
     QTest::addColumn<QString>("message");
     const QString advice = " Please restart detection.";
-    for (const QString text :
+    for (const char *const text :
          {"Not instanced.", "No images acquired for hot pixel detection.",
           "Image format for hot pixel detection not supported.",
           "Color mode for hot pixel detection not supported.", "Aqcuired images are not the same size.",
           "Matrix has no size", "Matrix<T>::operator() (unsigned posY, unsigned poX) out of range",
           "std::bad_alloc"})
-        QTest::newRow(qPrintable(text)) << text + advice;
+        QTest::newRow(text) << text + advice;
     QTest::newRow("a long story") << QString("Many words. ").repeated(40);
 }
 

@@ -206,8 +206,8 @@ void TestBadpixelListModel::settingIgnoreAsClassIsRefused()
     BadpixelListModel model;
     model.addBadpixel({1, 2});
     QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
-    for (const QString text : {"ignore", "User", "FACTORY", "", "user ", "1"}) {
-        QVERIFY2(!model.setData(model.index(0, 2), text), qPrintable(text));
+    for (const char *const text : {"ignore", "User", "FACTORY", "", "user ", "1"}) {
+        QVERIFY2(!model.setData(model.index(0, 2), QString(text)), text);
     }
     QCOMPARE(model.badpixel(0).pixelclass, std::uint8_t(User));
     QCOMPARE(changed.count(), 0);

@@ -51,10 +51,13 @@ QByteArray parameterText(MonkeyRandom &random)
     const QString text = "<CameraSettings><Sensor ID=\"%1\"><Timing pixelclock=\"%2\" framerate=\"%3\" "
                          "exposure=\"%4\"/><Gain master=\"%5\" red=\"%6\" green=\"-1\" blue=\"0\"/></Sensor>"
                          "</CameraSettings>";
-    return text.arg(random.pick({"0101", "0205", "4D", "x"}))
-        .arg(random.from(-5, 120))
-        .arg(random.pick({"20.5", "0", "-1", "1e400", "nan", "", "5"}))
-        .arg(random.pick({"10", "0", "-1", "1e9", "inf"}))
+    const QString sensor = random.pick({"0101", "0205", "4D", "x"});
+    const int pixelClock = random.from(-5, 120);
+    const QString frameRate = random.pick({"20.5", "0", "-1", "1e400", "nan", "", "5"});
+    const QString exposure = random.pick({"10", "0", "-1", "1e9", "inf"});
+    return text.arg(sensor)
+        .arg(pixelClock)
+        .arg(frameRate, exposure)
         .arg(random.from(-5, 120))
         .arg(random.from(-5, 120))
         .toUtf8();

@@ -188,7 +188,7 @@ void MonkeyInvariants::checkLabels() const
             continue; // nothing to tell yet
         const QString start = LabelStarts.value(label.key());
         bool isNumber = false;
-        const double number = text.mid(start.size()).toDouble(&isNumber);
+        const double number = text.midRef(start.size()).toDouble(&isNumber);
         require(text.startsWith(start) && isNumber, "a label of the status bar is no number");
         require(number >= 0.0, "a label of the status bar is negative");
     }

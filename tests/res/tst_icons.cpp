@@ -127,7 +127,7 @@ void TestIcons::theLogoIsThere()
 
 void TestIcons::theLogoShowsOneHotPixelOnASeeThroughGround()
 {
-    const QColor hot("#f5821f");
+    const QColor hot(0xf5, 0x82, 0x1f);
     const QImage plain(":/res/about_logo_kelvo.png");
     QCOMPARE(plain.pixelColor(0, 0).alpha(), 0);
     QCOMPARE(plain.pixelColor(127, 127).alpha(), 0);

@@ -419,7 +419,8 @@ void TestGermanWindow::messagesOfTheCamera()
 void TestGermanWindow::theTextsOf_data()
 {
     QTest::addColumn<QString>("name");
-    for (const QString &name : scenes().keys())
+    const QStringList names = scenes().keys();
+    for (const QString &name : names)
         QTest::newRow(qPrintable(name)) << name;
 }
 
@@ -455,7 +456,7 @@ void TestGermanWindow::theScenesShowEveryTranslatedText()
     QSet<QString> known;
     for (const catalogue::Message &message : catalogue::read(GERMAN_SOURCE))
         known.insert(key(message.context, message.source));
-    const auto list = [](const QSet<QString> &keys) { return QStringList(keys.values()).join('\n'); };
+    const auto list = [](const QSet<QString> &keys) { return QStringList(keys.begin(), keys.end()).join('\n'); };
     QVERIFY(!known.isEmpty());
     QCOMPARE(list(known - translator.asked), QString()); // extracted, but never shown
     QCOMPARE(list(translator.asked - known), QString()); // shown, but not extracted

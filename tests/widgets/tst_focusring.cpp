@@ -95,7 +95,6 @@ void TestFocusRing::itOutlastsWhatTakesTheFocusForAWhile()
 
 void TestFocusRing::itLiesJustInsideTheEdge()
 {
-    const QImage before = owner->grab().toImage();
     owner->setFocus(Qt::TabFocusReason);
     for (const QSize &size : {QSize(140, 90), QSize(300, 100)}) {
         owner->resize(size);
