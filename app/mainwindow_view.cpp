@@ -140,15 +140,15 @@ bool MainWindow::scrollByKey(int key)
     QScrollBar *down = form->display->verticalScrollBar();
     const struct
     {
-        int key;
         QScrollBar *bar;
+        int key;
         QScrollBar::SliderAction action;
-    } ways[] = {{Qt::Key_Left, across, QScrollBar::SliderSingleStepSub},
-                {Qt::Key_Right, across, QScrollBar::SliderSingleStepAdd},
-                {Qt::Key_Up, down, QScrollBar::SliderSingleStepSub},
-                {Qt::Key_Down, down, QScrollBar::SliderSingleStepAdd},
-                {Qt::Key_PageUp, down, QScrollBar::SliderPageStepSub},
-                {Qt::Key_PageDown, down, QScrollBar::SliderPageStepAdd}};
+    } ways[] = {{across, Qt::Key_Left, QScrollBar::SliderSingleStepSub},
+                {across, Qt::Key_Right, QScrollBar::SliderSingleStepAdd},
+                {down, Qt::Key_Up, QScrollBar::SliderSingleStepSub},
+                {down, Qt::Key_Down, QScrollBar::SliderSingleStepAdd},
+                {down, Qt::Key_PageUp, QScrollBar::SliderPageStepSub},
+                {down, Qt::Key_PageDown, QScrollBar::SliderPageStepAdd}};
     for (const auto &way : ways) {
         if (way.key != key)
             continue;

@@ -66,7 +66,7 @@ void ImageSequence::addBuffer()
     if (vx_AddToSequence(handle, buffer->data(), buffer->id()) != kelvo::Success)
         throw std::runtime_error("Can't add buffer to sequence.");
     buffers.append(buffer.get());
-    buffer.release();
+    static_cast<void>(buffer.release()); // the list has it now
 }
 
 void ImageSequence::clear()

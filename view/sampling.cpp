@@ -99,7 +99,7 @@ void scaleRows(QImage &scaled, const QImage &picture, const Sampling &sampling)
         QRgb *line = reinterpret_cast<QRgb *>(scaled.scanLine(place));
         const Pixel *row = reinterpret_cast<const Pixel *>(picture.constScanLine(rows.pixel(place)));
         if (place > rows.begin(rows.pixel(place)))
-            std::memcpy(line, before, static_cast<std::size_t>(columns.to()) * sizeof(QRgb));
+            std::copy_n(before, columns.to(), line);
         else if (columns.to() == columns.from())
             copyRow(line, row, columns.to());
         else
