@@ -109,6 +109,7 @@ private:
 CircleStamp::CircleStamp(int radius, int penWidth, const QPoint &centre)
 {
     std::vector<QImage> drawings;
+    drawings.reserve(Values);
     for (int grey = 0; grey < Values; ++grey)
         drawings.push_back(circleOnGrey(grey, radius, penWidth, centre));
     for (int y = 0; y < drawings.front().height(); ++y) {
@@ -185,7 +186,8 @@ void CirclePrinter::print(ScaledPicture &picture)
 const CircleStamp &CirclePrinter::stampFor(const QPoint &centre)
 {
     const QPoint like(std::min(centre.x(), reach), std::min(centre.y(), reach));
-    std::unique_ptr<CircleStamp> &stamp = stamps[static_cast<std::size_t>(like.y() * (reach + 1) + like.x())];
+    const int place = like.y() * (reach + 1) + like.x();
+    std::unique_ptr<CircleStamp> &stamp = stamps[static_cast<std::size_t>(place)];
     if (!stamp)
         stamp = std::make_unique<CircleStamp>(radius, penWidth, like);
     return *stamp;
