@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Holds all sources against .clang-tidy, which names what is left out and why. Builds them first, for what is generated.
-#   cmake/tidy.sh [ROOM...]   some rooms alone, or folders in them
+#   cmake/tidy.sh [FOLDER...]   some folders alone
 
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 
 need "${build_packages[@]}" clang clazy clang-tidy
-build clang build-clang
-files=("^$project/(?!build)")
-[ $# -eq 0 ] || files=("${@/#/^$project/}")
+build clang build-clang "${@/%//all}"
+[ $# -gt 0 ] || set -- '(?!build)'
+files=("${@/#/^$project/}")
 run-clang-tidy -quiet -p build-clang "${files[@]}" || fail "clang-tidy has found something."

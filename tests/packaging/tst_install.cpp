@@ -128,6 +128,8 @@ void TestInstall::initTestCase()
 
 void TestInstall::everythingIsInTheGnuFolders()
 {
+    const QString data = DATADIR;
+    const QString manual = MANDIR;
     QStringList expected{launcher,
                          program,
                          simulated,
@@ -135,16 +137,16 @@ void TestInstall::everythingIsInTheGnuFolders()
                          libraryFolder + "/libkelvo_api.so.1",
                          libraryFolder + "/libkelvo_api.so.1.0",
                          defaultBench,
-                         DATADIR "/applications/speckmend.desktop",
-                         DATADIR "/applications/speckmend-simulated.desktop",
-                         DATADIR "/metainfo/org.example.speckmend.metainfo.xml",
-                         MANDIR "/man1/speckmend.1",
-                         MANDIR "/man1/speckmend-simulated.1",
-                         MANDIR "/man1/kelvo-bench.1",
-                         DATADIR "/icons/hicolor/scalable/apps/speckmend.svg",
-                         DATADIR "/doc/speckmend/README.md",
-                         DATADIR "/doc/speckmend/CHANGELOG.md",
-                         DATADIR "/doc/speckmend-simulator/simulator.md"};
+                         data + "/applications/speckmend.desktop",
+                         data + "/applications/speckmend-simulated.desktop",
+                         data + "/metainfo/org.example.speckmend.metainfo.xml",
+                         manual + "/man1/speckmend.1",
+                         manual + "/man1/speckmend-simulated.1",
+                         manual + "/man1/kelvo-bench.1",
+                         data + "/icons/hicolor/scalable/apps/speckmend.svg",
+                         data + "/doc/speckmend/README.md",
+                         data + "/doc/speckmend/CHANGELOG.md",
+                         data + "/doc/speckmend-simulator/simulator.md"};
     for (const int size : {16, 22, 24, 32, 48, 64, 96, 128, 256, 512})
         expected.append(QString(DATADIR "/icons/hicolor/%1x%1/apps/speckmend.png").arg(size));
     expected.sort();

@@ -239,7 +239,7 @@ void TestBenchFile::damagedTextsAreReadOrRefused()
         random = random * 1664525 + 1013904223;
         return (random >> 8) % limit;
     };
-    const std::string characters("[]=#x0 \r\n\0\xff\t-\"a", 16);
+    const std::string characters("[]=#x0 \r\n\0\xff\t-\"a", 15);
     int read = 0;
     for (int round = 0; round < 5000; ++round) {
         std::string text = Example;

@@ -736,8 +736,10 @@ void TestDisplayWidget::looksLikeThePlainViewAtEveryPlaceOfASmallFrame()
     prepare(plain, 1.0, QPoint(-1, -1));
     view->setImage(frame);
     plain.setImage(frame);
-    for (std::uint16_t y = 0; y < frame.height() + 10; ++y) {
-        for (std::uint16_t x = 0; x < frame.width() + 10; ++x) {
+    const auto width = static_cast<std::uint16_t>(frame.width() + 10);
+    const auto height = static_cast<std::uint16_t>(frame.height() + 10);
+    for (std::uint16_t y = 0; y < height; ++y) {
+        for (std::uint16_t x = 0; x < width; ++x) {
             list->clearBadpixelList();
             addUserEntry(x, y);
             selection->select(list->index(0, 0), QItemSelectionModel::ClearAndSelect);

@@ -425,7 +425,7 @@ void TestPixelclassDelegate::aPersonChoosesIgnoreInTheTableInVain()
     QTest::keyClick(table.editor, Qt::Key_Down);
     QCOMPARE(table.editor->currentText(), QString("ignore"));
     QTest::keyClick(table.editor, Qt::Key_Return);
-    QTRY_VERIFY(commits.size() > 0);
+    QTRY_VERIFY(!commits.isEmpty());
     QCOMPARE(int(model->badpixel(0).pixelclass), int(User));
     QCOMPARE(table.cell.data().toString(), QString("user"));
 }
