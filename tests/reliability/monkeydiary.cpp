@@ -16,10 +16,11 @@
 #include <unistd.h>
 
 extern "C" {
-// There in a build under sanitizers only.
+// There in a build under sanitizers only, under these names. NOLINTBEGIN(bugprone-reserved-identifier)
 __attribute__((weak)) void __sanitizer_set_death_callback(void (*callback)());
 __attribute__((weak)) void __sanitizer_print_stack_trace();
 __attribute__((weak)) int __lsan_do_recoverable_leak_check();
+// NOLINTEND(bugprone-reserved-identifier)
 }
 
 namespace {

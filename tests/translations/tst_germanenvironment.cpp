@@ -12,7 +12,7 @@
 #include <QtTest>
 
 #define main startProgram
-#include "main.cpp" // of the program
+#include "main.cpp" // of the program; NOLINT(bugprone-suspicious-include)
 #undef main
 
 namespace {
