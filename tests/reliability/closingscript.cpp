@@ -334,6 +334,28 @@ void addBench()
     kelvosim::addCamera(plain);
 }
 
+/// Threads whose names begin so.
+int threadsNamed(const QByteArray &start)
+{
+    int count = 0;
+    const QDir tasks("/proc/self/task");
+    for (const QString &task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QFile name(tasks.filePath(task + "/comm"));
+        count += name.open(QIODevice::ReadOnly) && name.readAll().startsWith(start) ? 1 : 0;
+    }
+    return count;
+}
+
+/// Threads of the program and of the simulated library: the others have names of their own.
+int ownThreads()
+{
+    return threadsNamed("speckmend") + threadsNamed("EventThread");
+}
+
+/// The GUI thread, and those without a name of a sanitizer or a graphics driver: what is there before the
+/// first camera.
+int lastThreads = 0;
+
 void play()
 {
     for (QWidget *widget : QApplication::topLevelWidgets()) {
@@ -342,29 +364,8 @@ void play()
     }
     require(window, "there is no window");
     driver = std::make_unique<WindowDriver>(*window);
+    lastThreads = threadsNamed("speckmend");
     Moments.at(QApplication::arguments().at(1))();
-}
-
-// The GUI thread; and the thread sanitizer's, which goes by the program's name.
-#ifdef SPECKMEND_THREAD_SANITIZER
-constexpr int LastThreads = 2;
-#else
-constexpr int LastThreads = 1;
-#endif
-
-/// Threads of the program and of the simulated library: the others have names of their own.
-int ownThreads()
-{
-    int count = 0;
-    const QDir tasks("/proc/self/task");
-    for (const QString &task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        QFile name(tasks.filePath(task + "/comm"));
-        if (!name.open(QIODevice::ReadOnly))
-            continue;
-        const QByteArray comm = name.readAll().trimmed();
-        count += comm.startsWith("speckmend") || comm == "EventThread" ? 1 : 0;
-    }
-    return count;
 }
 
 /// Runs when the window is gone and the application object is going.
@@ -381,9 +382,9 @@ void lookForLeftovers()
     tell("waiting threads", kelvosim::waitingThreads());
     // A thread that has been waited for may still be on its last steps.
     QDeadlineTimer deadline(LongestGoodbye);
-    while (ownThreads() > LastThreads && !deadline.hasExpired())
+    while (ownThreads() > lastThreads && !deadline.hasExpired())
         std::this_thread::yield();
-    tell("threads", ownThreads() - LastThreads);
+    tell("threads", ownThreads() - lastThreads);
 }
 
 void plant()
