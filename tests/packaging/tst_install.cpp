@@ -146,15 +146,16 @@ void TestInstall::everythingIsInTheGnuFolders()
                          data + "/icons/hicolor/scalable/apps/speckmend.svg",
                          data + "/doc/speckmend/README.md",
                          data + "/doc/speckmend/CHANGELOG.md",
+                         data + "/doc/speckmend/CONTRIBUTING.md",
                          data + "/doc/speckmend-simulator/simulator.md"};
     for (const int size : {16, 22, 24, 32, 48, 64, 96, 128, 256, 512})
-        expected.append(QString(DATADIR "/icons/hicolor/%1x%1/apps/speckmend.png").arg(size));
+        expected.append(QString(data + "/icons/hicolor/%1x%1/apps/speckmend.png").arg(size));
     expected.sort();
 
     QStringList found = m_tree.files();
-    const QStringList pages = found.filter(DATADIR "/doc/speckmend/docs/");
-    QVERIFY(pages.contains(DATADIR "/doc/speckmend/docs/cameraparameter.xml"));
-    QVERIFY(pages.contains(DATADIR "/doc/speckmend/docs/screenshots/entry.png"));
+    const QStringList pages = found.filter(data + "/doc/speckmend/docs/");
+    QVERIFY(pages.contains(data + "/doc/speckmend/docs/cameraparameter.xml"));
+    QVERIFY(pages.contains(data + "/doc/speckmend/docs/screenshots/entry.png"));
     for (const QString &page : pages)
         found.removeOne(page);
     QCOMPARE(found, expected);
