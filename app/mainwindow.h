@@ -128,6 +128,7 @@ private:
     void connectView();
     void readSettings();
     void fitToScreen();
+    void fetchFloatingToolBar();
     void writeSettings();
 
     QAction *addNamedAction(const char *name, const QString &text, const QString &icon = QString());

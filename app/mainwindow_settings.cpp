@@ -3,11 +3,13 @@
 
 #include "mainwindow.h"
 #include "savedlayout.h"
+#include "ui_mainwindow.h"
 
 #include <QApplication>
 #include <QDesktopWidget>
 #include <QSettings>
 #include <QStyle>
+#include <QToolBar>
 
 namespace {
 
@@ -45,8 +47,24 @@ void MainWindow::readSettings()
     if (!restoreGeometry(settings.value("geometry")))
         fitToScreen();
     const QByteArray state = settings.value("state");
-    if (isSavedLayout(state))
-        restoreState(state, StateVersion);
+    if (isSavedLayout(state) && restoreState(state, StateVersion))
+        fetchFloatingToolBar();
+}
+
+/// The screen on which it floated may be gone. Qt fetches floating docks, but not tool bars.
+void MainWindow::fetchFloatingToolBar()
+{
+    QToolBar *bar = form->mainToolBar;
+    if (!bar->isFloating())
+        return;
+    QRect place = bar->geometry();
+    const QRect room = QApplication::desktop()->availableGeometry(bar);
+    place.setSize(place.size().boundedTo(room.size()));
+    place.moveRight(qMin(place.right(), room.right()));
+    place.moveBottom(qMin(place.bottom(), room.bottom()));
+    place.moveLeft(qMax(place.left(), room.left()));
+    place.moveTop(qMax(place.top(), room.top()));
+    bar->setGeometry(place);
 }
 
 /// A new window is as large as the form, or as a small screen lets it be: what lies beyond cannot be reached.

@@ -31,7 +31,8 @@ public:
 
     bool isLayout()
     {
-        expect(number() == WindowMarker && number() == 0);
+        expect(number() == WindowMarker);
+        number(); // the version, which Qt looks at
         readDocks();
         readToolBars();
         return good && stream.atEnd();
@@ -74,8 +75,9 @@ private:
     void readDocks()
     {
         expect(read<quint8>() == DocksMarker);
-        readItems(numberWithin(0, LastSide + 1), [this] {
-            numberWithin(0, LastSide);
+        qint32 next = 0; // they come in order, each once
+        readItems(numberWithin(0, LastSide + 1), [this, &next] {
+            next = numberWithin(next, LastSide) + 1;
             readLengths(2);
             readGroup(0);
         });
@@ -100,13 +102,15 @@ private:
         expect(orientation == Qt::Horizontal || orientation == Qt::Vertical);
         const qint32 count = numberWithin(0, MostItems);
         expect(front < count);
-        readItems(count, [this, depth] { readGroupItem(depth); });
+        const bool areTabs = marker == TabsMarker;
+        readItems(count, [this, areTabs, depth] { readGroupItem(areTabs, depth); });
     }
 
-    void readGroupItem(int depth)
+    /// A tab is of one dock: those of a group in its place could not be reached.
+    void readGroupItem(bool isTab, int depth)
     {
         const auto marker = read<quint8>();
-        expect(marker == DockMarker || marker == SequenceMarker);
+        expect(marker == DockMarker || (marker == SequenceMarker && !isTab));
         if (marker == DockMarker) {
             read<QString>();             // its name
             expect(read<quint8>() <= 3); // shown, floating

@@ -50,6 +50,58 @@ QByteArray number(qint32 value)
     return bytes;
 }
 
+QByteArray numbers(std::initializer_list<qint32> values)
+{
+    QByteArray bytes;
+    for (const qint32 value : values)
+        bytes += number(value);
+    return bytes;
+}
+
+// Pieces of a state, as Qt writes them.
+
+QByteArray dock(quint8 flags = 1, qint32 length = 50)
+{
+    QByteArray name;
+    QDataStream stream(&name, QIODevice::WriteOnly);
+    stream << QString("dock");
+    return '\xfb' + name + static_cast<char>(flags) + numbers({0, length, 10, 1000});
+}
+
+QByteArray sideBySide(const QByteArray &items, qint32 count, char orientation = Qt::Vertical)
+{
+    return QByteArray("\xfc") + orientation + number(count) + items;
+}
+
+QByteArray tabs(const QByteArray &items, qint32 count, qint32 front)
+{
+    return '\xfa' + number(front) + char(Qt::Vertical) + number(count) + items;
+}
+
+/// A group as an item of another.
+QByteArray inside(const QByteArray &group)
+{
+    return '\xfc' + numbers({0, 50, 10, 1000}) + group;
+}
+
+QByteArray insideOfMany(QByteArray group, int depth)
+{
+    for (int i = 0; i < depth; ++i)
+        group = sideBySide(inside(group), 1);
+    return group;
+}
+
+QByteArray side(qint32 place, const QByteArray &group)
+{
+    return numbers({place, 50, 60}) + group;
+}
+
+QByteArray state(const QByteArray &sides, qint32 count)
+{
+    return numbers({0xff, 0}) + '\xfd' + number(count) + sides + numbers({100, 100, 4, 4, 8, 8}) + '\xfc' +
+           number(0);
+}
+
 /// The first bytes of a state: marker, version, marker of the docks.
 const int HeadSize = 9;
 
@@ -66,8 +118,10 @@ private slots:
     void anImpossiblePlaceIsNot_data();
     void anImpossiblePlaceIsNot();
     void anImpossibleCornerIsNot();
-    void anotherVersionIsNot();
-    void endlessNestingIsNot();
+    void whatQtWouldWriteIs_data();
+    void whatQtWouldWriteIs();
+    void whatQtNeverWritesIsNot_data();
+    void whatQtNeverWritesIsNot();
 };
 
 void TestSavedLayout::everyArrangementIsTaken_data()
@@ -79,11 +133,21 @@ void TestSavedLayout::everyArrangementIsTaken_data()
     };
     add("as it comes", [](ArrangedWindow &) {});
     add("tabs", [](ArrangedWindow &w) { w.window.tabifyDockWidget(w.docks[0], w.docks[1]); });
+    add("the second tab in front", [](ArrangedWindow &w) {
+        w.window.tabifyDockWidget(w.docks[0], w.docks[1]);
+        w.window.show();
+        w.docks[1]->raise();
+    });
     add("nested", [](ArrangedWindow &w) {
         w.window.splitDockWidget(w.docks[0], w.docks[1], Qt::Horizontal);
         w.window.splitDockWidget(w.docks[1], w.docks[2], Qt::Vertical);
     });
     add("floating", [](ArrangedWindow &w) { w.docks[3]->setFloating(true); });
+    add("floating beyond the screen", [](ArrangedWindow &w) {
+        w.docks[3]->setFloating(true);
+        w.docks[3]->move(-300, -200);
+    });
+    add("right to left", [](ArrangedWindow &w) { w.window.setLayoutDirection(Qt::RightToLeft); });
     add("hidden", [](ArrangedWindow &w) {
         w.docks[2]->hide();
         w.bars[0]->hide();
@@ -139,7 +203,7 @@ void TestSavedLayout::anImpossiblePlaceIsNot_data()
         QTest::newRow(qPrintable(QString::number(side))) << side;
 }
 
-/// Qt would take the number for a place in an array.
+/// Qt takes that of docks for a place in an array.
 void TestSavedLayout::anImpossiblePlaceIsNot()
 {
     QFETCH(int, side);
@@ -164,19 +228,47 @@ void TestSavedLayout::anImpossibleCornerIsNot()
     QVERIFY(!isSavedLayout(state.replace(corner, 4, number(3))));
 }
 
-void TestSavedLayout::anotherVersionIsNot()
+void TestSavedLayout::whatQtWouldWriteIs_data()
 {
-    ArrangedWindow arranged;
-    arranged.window.show();
-    QVERIFY(!isSavedLayout(arranged.window.saveState(1)));
+    QTest::addColumn<QByteArray>("bytes");
+    const QByteArray one = sideBySide(dock(), 1);
+    QTest::newRow("a dock") << state(side(0, one), 1);
+    QTest::newRow("docks on all sides")
+        << state(side(0, one) + side(1, one) + side(2, one) + side(3, one), 4);
+    QTest::newRow("tabs") << state(side(1, sideBySide(inside(tabs(dock() + dock(), 2, 1)), 1)), 1);
+    QTest::newRow("no tab in front") << state(side(1, sideBySide(inside(tabs(dock(), 1, -1)), 1)), 1);
+    QTest::newRow("deep") << state(side(0, insideOfMany(one, 15)), 1);
 }
 
-/// A group in a group in a group: each level of the reading, Qt's too, takes a piece of the stack.
-void TestSavedLayout::endlessNestingIsNot()
+void TestSavedLayout::whatQtWouldWriteIs()
 {
-    const QByteArray group = QByteArray("\xfc\x02", 2) + number(1) + '\xfc' + QByteArray(16, '\0');
-    const QByteArray head = QByteArray("\0\0\0\xff\0\0\0\0\xfd", HeadSize) + number(1) + QByteArray(12, '\0');
-    QVERIFY(!isSavedLayout(head + group.repeated(1000000)));
+    QFETCH(QByteArray, bytes);
+    QVERIFY(isSavedLayout(bytes));
+}
+
+void TestSavedLayout::whatQtNeverWritesIsNot_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    const QByteArray one = sideBySide(dock(), 1);
+    QTest::newRow("another marker of the window") << '\1' + state(side(0, one), 1).mid(1);
+    QTest::newRow("a side twice") << state(side(0, one) + side(0, one), 2);
+    QTest::newRow("sides out of order") << state(side(1, one) + side(0, one), 2);
+    QTest::newRow("fewer sides than none") << state({}, -1);
+    QTest::newRow("another marker of a group") << state(side(0, '\xf0' + one.mid(1)), 1);
+    QTest::newRow("a slanting group") << state(side(0, sideBySide(dock(), 1, 3)), 1);
+    QTest::newRow("fewer docks than none") << state(side(0, sideBySide({}, -1)), 1);
+    QTest::newRow("another marker of a dock") << state(side(0, sideBySide('\xf0' + dock().mid(1), 1)), 1);
+    QTest::newRow("a dock that is more than shown and floating") << state(side(0, sideBySide(dock(4), 1)), 1);
+    QTest::newRow("a dock longer than any") << state(side(0, sideBySide(dock(1, 1 << 29), 1)), 1);
+    QTest::newRow("a tab in front that is not there") << state(side(0, tabs(dock(), 1, 1)), 1);
+    QTest::newRow("a group in a tab") << state(side(0, tabs(inside(one), 1, 0)), 1);
+    QTest::newRow("too deep") << state(side(0, insideOfMany(one, 16)), 1);
+}
+
+void TestSavedLayout::whatQtNeverWritesIsNot()
+{
+    QFETCH(QByteArray, bytes);
+    QVERIFY(!isSavedLayout(bytes));
 }
 
 QTEST_MAIN(TestSavedLayout)

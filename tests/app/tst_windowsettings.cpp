@@ -72,6 +72,8 @@ private slots:
     void aDockThatIsAloneStaysAlone();
     void aFloatingDockGoesOnFloating();
     void theToolBarStaysWhereItIs();
+    void aToolBarThatFloatedOnALostScreenIsFetched_data();
+    void aToolBarThatFloatedOnALostScreenIsFetched();
     void sizeAndPlaceComeBack();
     void aMaximisedWindowComesBackMaximised();
     void theCameraListIsRaisedWhateverWasInFront();
@@ -260,6 +262,32 @@ void TestWindowSettings::theToolBarStaysWhereItIs()
     toolBar()->hide();
     bench.showWindow();
     QVERIFY(!toolBar()->isVisible());
+}
+
+void TestWindowSettings::aToolBarThatFloatedOnALostScreenIsFetched_data()
+{
+    QTest::addColumn<QRect>("place");
+    QTest::newRow("far right and below") << QRect(20000, 20000, 300, 50);
+    QTest::newRow("far left and above") << QRect(-20000, -20000, 300, 50);
+    QTest::newRow("giant") << QRect(0, 0, 30000, 30000);
+    QTest::newRow("where it can be seen") << QRect(60, 70, 300, 50);
+}
+
+void TestWindowSettings::aToolBarThatFloatedOnALostScreenIsFetched()
+{
+    QFETCH(QRect, place);
+    bench.showWindow();
+    toolBar()->setWindowFlags(Qt::Tool |
+                              Qt::FramelessWindowHint); // as one that was dragged out by its handle
+    toolBar()->setGeometry(place);
+    toolBar()->show();
+    const QRect left = toolBar()->geometry();
+    bench.showWindow();
+    QVERIFY(toolBar()->isFloating());
+    const QRect room = bench.window->screen()->availableGeometry();
+    QVERIFY(room.contains(toolBar()->geometry()));
+    if (room.contains(left))
+        QCOMPARE(toolBar()->pos(), left.topLeft());
 }
 
 void TestWindowSettings::sizeAndPlaceComeBack()

@@ -8,6 +8,7 @@
 #include "mainwindow.h"
 #include "monkeydiary.h"
 #include "monkeyinvariants.h"
+#include "savedlayout.h"
 #include "windowdriver.h"
 
 #include <QAction>
@@ -142,6 +143,8 @@ void MonkeyLife::end()
     hands.setWindow(nullptr);
     invariants.reset();
     window.reset();
+    require(isSavedLayout(QSettings("Kelvo", "Kelvo").value("Speckmend/mainWindow/state").toByteArray()),
+            "the window has saved what it would not read");
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     checkNothingHeld();
 }
