@@ -170,6 +170,7 @@ void TestConnection::eachFailingCallOfOpenShowsItsText()
     QFETCH(QString, fixedText);
     for (const char *text : {"the library's own words", ""}) {
         kelvosim::failCall(function.toStdString(), nth, 61, text, command);
+        bench.window->statusBar()->clearMessage();
         bench.open(bench.mono);
         const QString libraryText = *text ? QString(text) : QString("Unknown error.");
         QCOMPARE(bench.driver->message(), fixedText.isEmpty() ? libraryText : fixedText);
@@ -242,7 +243,10 @@ void TestConnection::openingSetsCorrectionAsChecked()
 void TestConnection::openingSetsTheHighlightAsChecked()
 {
     for (const bool checked : {false, true}) {
-        bench.driver->action("highlightAction")->setChecked(checked);
+        {
+            const QSignalBlocker untold(bench.driver->action("highlightAction"));
+            bench.driver->action("highlightAction")->setChecked(checked);
+        }
         bench.open(bench.mono);
         QVERIFY(bench.pushFlat(bench.mono, 40));
         QTRY_VERIFY(!bench.driver->shownImage().isNull());

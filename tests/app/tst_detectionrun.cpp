@@ -93,15 +93,18 @@ private:
     /// Opens the dialogue and runs `visit` in it; the dialogue is closed afterwards if it is still open.
     void inDialogue(const std::function<void(DetectionDialogue *)> &visit)
     {
+        bool seen = false;
         WindowDriver::whenModal([&](QWidget *modal) {
             auto *dialogue = qobject_cast<DetectionDialogue *>(modal);
             QVERIFY(dialogue);
+            seen = true;
             const QPointer<DetectionDialogue> open = dialogue;
             visit(dialogue);
             if (open && open->isVisible())
                 open->reject();
         });
         bench.driver->trigger("detectAction");
+        QVERIFY(seen);
     }
 
     static void start(DetectionDialogue *dialogue)

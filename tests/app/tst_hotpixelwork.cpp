@@ -403,6 +403,7 @@ void TestHotpixelWork::aHalvedScaleChecksTheZoomAndSaysSo()
         {2.0, "zoom2to1Action"}, {1.0, "zoom1to1Action"}, {2.9, "zoom2to1Action"}};
     for (const auto &[scale, zoom] : cases) {
         bench.driver->trigger("zoom4to1Action");
+        bench.window->statusBar()->clearMessage();
         halvedTo(scale);
         QVERIFY(bench.driver->action(zoom)->isChecked());
         QVERIFY(!bench.driver->action("zoom4to1Action")->isChecked());
