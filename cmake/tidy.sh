@@ -6,7 +6,9 @@
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 
 need "${build_packages[@]}" clang clazy clang-tidy
+set -- "${@%/}"
 build clang build-clang "${@/%//all}"
-[ $# -gt 0 ] || set -- '(?!build)'
+[ $# -gt 0 ] || set -- '(?!build)[^/]+'
 files=("${@/#/^$project/}")
+files=("${files[@]/%//}")
 run-clang-tidy -quiet -p build-clang "${files[@]}" || fail "clang-tidy has found something."

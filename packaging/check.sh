@@ -10,7 +10,7 @@
 
 source "$(dirname "${BASH_SOURCE[0]}")/../cmake/setup.sh"
 
-own_release=$(. /etc/os-release && echo "$VERSION_CODENAME")
+own_release=$(. /etc/os-release && echo "${VERSION_CODENAME:-}")
 work=$(mktemp -d)
 trap 'rm -rf --one-file-system "$work"' EXIT
 
@@ -58,7 +58,7 @@ make_bare_debian() {
         "deb $source $release main" || fail "could not make a bare Debian '$release'."
 }
 
-# With processes of its own, which end with the first of them.
+# With the machine's devices, and processes of its own, which end with the first of them.
 in_bare_debian() {
     unshare --mount --pid --fork --kill-child sh -euc '
         mount -t proc proc "$0/proc"
@@ -125,6 +125,7 @@ check_release() {
         cd build-bare
         ctest -j "$(nproc)" --output-on-failure -LE documents
     ' || fail "building and testing on '$release' failed, see above."
+    echo "Built and tested on '$release'."
 }
 
 need git
