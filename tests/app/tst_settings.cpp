@@ -343,9 +343,13 @@ void TestSettings::aLowerFrameRateSlowsTheCamera()
         vx_GetFramesPerSecond(openHandle(), &rate);
         return rate;
     };
-    QTRY_VERIFY(measured() > 60.0);
+    QVERIFY(QTest::qWaitFor([&] { return measured() > 60.0; }));
     block()->framerate()->spinBox()->setValue(20.0);
-    QTRY_VERIFY2(measured() < 30.0, qPrintable(QString::number(measured())));
+    int slow = 0; // looks in a row: on a busy machine a single frame may be late at any rate
+    QVERIFY(QTest::qWaitFor([&] {
+        slow = measured() < 30.0 ? slow + 1 : 0;
+        return slow == 10;
+    }));
 }
 
 void TestSettings::docksHaveTitlesNamesAndAreas()
