@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Holds program and tests against .clang-tidy, which names what is left out and why. Builds them first, for what is generated.
+# Holds program and tests against .clang-tidy, which names what is left out and why. Builds them first, for what is
+# generated.
 #   cmake/tidy.sh [FOLDER...]   some folders alone
 
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
